@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QString>
+
+/// The parts of a file's name. A name's extension is what follows its last dot; a name that only
+/// begins with a dot (".profile") or ends with one ("a.") has none.
+namespace FileName {
+
+/// The part of path after its last slash ("/a/b.png" and "/a/b.png/" give "b.png").
+QString lastPathComponent(const QString &path);
+
+/// The extension of path's last component, without the dot; empty when there is none.
+QString pathExtension(const QString &path);
+
+/// name without its extension and the dot before it.
+QString deletingPathExtension(const QString &name);
+
+} // namespace FileName

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QString>
+
+#include <functional>
+
+/// Tells that something happened in one folder: one batch about a second after the first event
+/// since the last batch. Main thread. Watching ends with the object. Not available: start() gives
+/// false.
+class FolderWatcher {
+public:
+    virtual ~FolderWatcher() = default;
+    FolderWatcher() = default;
+    FolderWatcher(const FolderWatcher &) = delete;
+    FolderWatcher &operator=(const FolderWatcher &) = delete;
+
+    /// What came of start().
+    enum class Start {
+        Failed, ///< No source of events could be made.
+        Idle, ///< Made, but it delivers nothing yet, for instance because the folder is missing.
+        Running,
+    };
+
+    /// Begins to watch the folder at path, from now on; onBatch is called from the event loop. A
+    /// folder that is missing, replaced, moved away or unmounted is picked up when it comes back,
+    /// which counts as an event. Called once.
+    virtual Start start(const QString &path, std::function<void()> onBatch) = 0;
+};

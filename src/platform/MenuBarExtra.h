@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QIcon>
+#include <QKeySequence>
+#include <QString>
+
+#include <functional>
+#include <vector>
+
+/// One line of the menu.
+struct MenuItem {
+    enum class Kind {
+        Text, ///< Tells something; choosing it does nothing.
+        Action,
+        Separator,
+    };
+
+    Kind kind = Kind::Separator;
+    QString text = {}; ///< Shown exactly as it is: no character is a mnemonic.
+    QString caption = {}; ///< Shown smaller or set apart beside text; may be empty.
+    QIcon icon = {}; ///< May be null.
+    bool enabled = true;
+    QKeySequence shortcut = {}; ///< Shown beside the text; may be empty.
+    std::function<void()> action = {}; ///< Empty unless kind is Action.
+};
+
+/// The application's item in the desktop's tray, with its menu. Main thread. Not available: the
+/// item appears once a tray does.
+class MenuBarExtra {
+public:
+    virtual ~MenuBarExtra() = default;
+    MenuBarExtra() = default;
+    MenuBarExtra(const MenuBarExtra &) = delete;
+    MenuBarExtra &operator=(const MenuBarExtra &) = delete;
+
+    /// Shows the item as soon as there is a tray. aboutToShow is called before the menu opens.
+    virtual void show(const QString &title, const QIcon &icon,
+                      std::function<void()> aboutToShow) = 0;
+
+    /// Replaces the menu's lines.
+    virtual void setMenu(std::vector<MenuItem> items) = 0;
+};

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QString>
+
+/// The folders that the desktop gives every user. Absolute paths without a slash at the end.
+class StandardFolders {
+public:
+    virtual ~StandardFolders() = default;
+    StandardFolders() = default;
+    StandardFolders(const StandardFolders &) = delete;
+    StandardFolders &operator=(const StandardFolders &) = delete;
+
+    /// The user's home folder.
+    virtual QString home() const = 0;
+
+    /// The user's desktop folder as the desktop has it configured; need not exist.
+    virtual QString desktop() const = 0;
+};

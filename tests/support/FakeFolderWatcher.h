@@ -1,0 +1,27 @@
+#pragma once
+
+#include "platform/FolderWatcher.h"
+
+#include <utility>
+
+/// A watcher that delivers batches when told to.
+class FakeFolderWatcher final : public FolderWatcher {
+public:
+    Start start(const QString &path, std::function<void()> onBatch) override
+    {
+        ++starts;
+        watchedPath = path;
+        m_onBatch = std::move(onBatch);
+        return outcome;
+    }
+
+    /// Something happened in the folder, a second ago.
+    void deliverBatch() { m_onBatch(); }
+
+    Start outcome = Start::Running; ///< What start() gives.
+    int starts = 0;
+    QString watchedPath;
+
+private:
+    std::function<void()> m_onBatch;
+};

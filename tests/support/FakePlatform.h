@@ -1,0 +1,52 @@
+#pragma once
+
+#include "platform/Platform.h"
+#include "support/FakeFolderAccessPanel.h"
+#include "support/FakeFolderWatcher.h"
+#include "support/FakeMenuBarExtra.h"
+#include "support/FakeNotificationCenter.h"
+#include "support/FakePasteboard.h"
+#include "support/FakePreferencesStore.h"
+#include "support/FakeSecretStore.h"
+#include "support/FakeStandardFolders.h"
+
+/// A platform of fakes, in use as long as it lives.
+class FakePlatform : public Platform {
+public:
+    FakePlatform()
+    {
+        folders = own(std::make_unique<FakeStandardFolders>(), fakeFolders);
+        preferences = own(std::make_unique<FakePreferencesStore>(), fakePreferences);
+        secrets = own(std::make_unique<FakeSecretStore>(), fakeSecrets);
+        notifications = own(std::make_unique<FakeNotificationCenter>(), fakeNotifications);
+        pasteboard = own(std::make_unique<FakePasteboard>(), fakePasteboard);
+        menuBarExtra = own(std::make_unique<FakeMenuBarExtra>(), fakeMenuBarExtra);
+        folderAccessPanel = own(std::make_unique<FakeFolderAccessPanel>(), fakeFolderAccessPanel);
+        makeFolderWatcher = [this] {
+            ++watchersMade;
+            return own(std::make_unique<FakeFolderWatcher>(), fakeFolderWatcher);
+        };
+        setCurrent(this);
+    }
+    ~FakePlatform() { setCurrent(nullptr); }
+    FakePlatform(const FakePlatform &) = delete;
+    FakePlatform &operator=(const FakePlatform &) = delete;
+
+    FakeStandardFolders *fakeFolders = nullptr;
+    FakePreferencesStore *fakePreferences = nullptr;
+    FakeSecretStore *fakeSecrets = nullptr;
+    FakeNotificationCenter *fakeNotifications = nullptr;
+    FakePasteboard *fakePasteboard = nullptr;
+    FakeMenuBarExtra *fakeMenuBarExtra = nullptr;
+    FakeFolderAccessPanel *fakeFolderAccessPanel = nullptr;
+    FakeFolderWatcher *fakeFolderWatcher = nullptr; ///< The latest; may be gone.
+    int watchersMade = 0;
+
+private:
+    template <typename Fake>
+    static std::unique_ptr<Fake> own(std::unique_ptr<Fake> fake, Fake *&pointer)
+    {
+        pointer = fake.get();
+        return fake;
+    }
+};

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "platform/SecretStore.h"
+
+#include <map>
+#include <utility>
+
+/// Secrets in memory.
+class FakeSecretStore final : public SecretStore {
+public:
+    std::optional<QByteArray> read(const QString &service, const QString &account) override
+    {
+        ++reads;
+        const auto found = items.find({service, account});
+        return found == items.end() ? std::nullopt : std::optional(found->second);
+    }
+    bool write(const QString &service, const QString &account, const QByteArray &secret) override
+    {
+        if (isWritable)
+            items[{service, account}] = secret;
+        return isWritable;
+    }
+    void unlock(std::function<void()> newOnChanged) override
+    {
+        ++unlocksAsked;
+        onChanged = std::move(newOnChanged);
+    }
+
+    std::map<std::pair<QString, QString>, QByteArray> items; ///< By service and account.
+    bool isWritable = true;
+    int reads = 0;
+    int unlocksAsked = 0;
+    std::function<void()> onChanged;
+};
