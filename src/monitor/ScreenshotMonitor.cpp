@@ -1,0 +1,176 @@
+#include "monitor/ScreenshotMonitor.h"
+
+#include "base/Log.h"
+#include "monitor/FolderListing.h"
+#include "monitor/LoggedName.h"
+#include "monitor/ScreenshotName.h"
+#include "platform/StandardFolders.h"
+
+#include <QByteArray>
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QTimer>
+
+#include <chrono>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace {
+
+/// Gives whoever writes the screenshot time to finish.
+constexpr auto kReportDelay = 500ms;
+
+QString chooseFolder(const StandardFolders &folders)
+{
+    const QString real = QDir(folders.home()).filePath(u"Desktop"_s);
+    if (QFileInfo::exists(real)) {
+        Log::line(u"📸 Using real Desktop: "_s + real);
+        return real;
+    }
+    const QString desktop = folders.desktop();
+    if (desktop.isEmpty())
+        qFatal("The desktop environment names no desktop folder");
+    Log::line(u"📸 Using sandboxed Desktop: "_s + desktop);
+    return desktop;
+}
+
+/// Adds lines that each have a line break.
+void addTo(Log::Batch &log, QByteArrayView lines)
+{
+    if (!lines.isEmpty())
+        log.line(lines.chopped(1));
+}
+
+} // namespace
+
+struct ScreenshotMonitor::Listing {
+    bool isComplete = false; ///< Else the folder could not be read, and nothing else counts.
+    std::size_t count = 0; ///< Of entries of any kind.
+    /// Screenshots that were not known before. Files whose names are canonically equivalent are
+    /// each unknown if they come together.
+    std::vector<std::string> unknown;
+    /// What is to be logged about the entries, each line with its line break.
+    QByteArray lines;
+};
+
+ScreenshotMonitor::ScreenshotMonitor(const StandardFolders &folders,
+                                     std::unique_ptr<FolderWatcher> watcher, Callback callback)
+    : m_screenshotDirectory(chooseFolder(folders))
+    , m_watcher(std::move(watcher))
+    , m_callback(std::make_shared<const Callback>(std::move(callback)))
+{
+    loadExistingScreenshots();
+}
+
+ScreenshotMonitor::~ScreenshotMonitor()
+{
+    stop();
+}
+
+void ScreenshotMonitor::start()
+{
+    Log::line(u"📸 Starting screenshot monitoring on: "_s + m_screenshotDirectory);
+    Log::line(u"📸 Known files at start: "_s + QString::number(m_knownFiles.count()));
+    const FolderWatcher::Start outcome = m_watcher
+        ? m_watcher->start(m_screenshotDirectory, [this] { handleEvents(); })
+        : FolderWatcher::Start::Failed;
+    switch (outcome) {
+    case FolderWatcher::Start::Failed:
+        Log::line(u"❌ Failed to create FSEvents stream"_s);
+        return;
+    case FolderWatcher::Start::Idle:
+        Log::line(u"📸 FSEvents stream started: false"_s);
+        break;
+    case FolderWatcher::Start::Running:
+        Log::line(u"📸 FSEvents stream started: true"_s);
+        break;
+    }
+    m_isWatching = true;
+}
+
+void ScreenshotMonitor::stop()
+{
+    if (std::exchange(m_isWatching, false))
+        m_watcher.reset();
+}
+
+void ScreenshotMonitor::loadExistingScreenshots()
+{
+    const Listing listing = list();
+    if (!listing.isComplete)
+        return;
+    Log::Batch log;
+    addTo(log, listing.lines);
+    for (const std::string &name : listing.unknown)
+        m_knownFiles.insert(name);
+}
+
+void ScreenshotMonitor::handleEvents()
+{
+    Log::Batch log;
+    log.line(u"📸 FSEvents triggered - checking for new screenshots..."_s);
+    const Listing listing = list("✅ New screenshot detected: ");
+    if (!listing.isComplete) {
+        log.line(u"❌ Could not read directory contents"_s);
+        return;
+    }
+    log.line(QString(u"📸 Found "_s + QString::number(listing.count) + u" files in directory"_s));
+    addTo(log, listing.lines);
+    for (const std::string &name : listing.unknown) {
+        m_knownFiles.insert(name);
+        reportLater(QString::fromStdString(name));
+    }
+}
+
+ScreenshotMonitor::Listing ScreenshotMonitor::list(const char *unknownHeading)
+{
+    Listing listing;
+    m_knownFiles.beginPass();
+    const auto visit = [&](std::string_view name) {
+        ++listing.count;
+        if (m_knownFiles.isNextAgain(name))
+            return;
+        if (!ScreenshotName::isAscii(name) && !QByteArrayView(name).isValidUtf8()) {
+            listing.lines += "⚠️ File '" + LoggedName::ofInvalid(name)
+                + "' skipped: its name is not valid UTF-8\n";
+            return;
+        }
+        switch (ScreenshotName::kindOf(name)) {
+        case ScreenshotName::Kind::Screenshot:
+            if (m_knownFiles.contains(name))
+                break;
+            if (unknownHeading)
+                listing.lines += unknownHeading + LoggedName::of(name) + '\n';
+            listing.unknown.emplace_back(name);
+            break;
+        case ScreenshotName::Kind::OtherImage:
+            listing.lines += "⚠️ File '" + LoggedName::of(name)
+                + "' has image extension but doesn't match screenshot pattern\n";
+            break;
+        case ScreenshotName::Kind::Other:
+            break;
+        }
+    };
+    listing.isComplete = visitFolder(QFile::encodeName(m_screenshotDirectory).constData(), visit);
+    return listing;
+}
+
+void ScreenshotMonitor::reportLater(const QString &name) const
+{
+    const auto report = [monitorCallback = std::weak_ptr(m_callback), name,
+                         fileURL = QUrl::fromLocalFile(m_screenshotDirectory + u'/' + name)] {
+        Log::line(u"📤 Triggering upload callback for: "_s
+                  + QString::fromUtf8(LoggedName::of(name.toStdString())));
+        if (const auto callback = monitorCallback.lock())
+            (*callback)(fileURL);
+    };
+    // The line is due even when the monitor is gone by then, so this belongs to the application.
+    QTimer::singleShot(kReportDelay, Qt::PreciseTimer, QCoreApplication::instance(), report);
+}
