@@ -1,0 +1,68 @@
+#pragma once
+
+#include "base/ChildProcess.h"
+#include "base/TemporaryFile.h"
+#include "settings/UploadSettings.h"
+#include "upload/UploadLimits.h"
+
+#include <QCoro/QCoroTask>
+#include <QStringList>
+#include <QUrl>
+
+#include <chrono>
+#include <memory>
+#include <optional>
+#include <stop_token>
+
+/// Moves one local file to the user's server by running a transfer tool. Calls are independent and
+/// may overlap. Main thread. Must outlive its uploads.
+class UploadService {
+public:
+    /// Where the tools are and where the service keeps its files.
+    struct Environment {
+        QString homeFolder; ///< A ".ssh" in it makes SFTP try the user's keys first.
+        QString temporaryFolder; ///< Private to this process; no slash at the end.
+        std::stop_token stop = {}; ///< Ends running uploads early.
+        QString curl = QStringLiteral("/usr/bin/curl");
+        QString sftp = QStringLiteral("/usr/bin/sftp");
+        /// Where expect may be, the first choice first.
+        QStringList expect = {QStringLiteral("/usr/bin/expect"),
+                              QStringLiteral("/opt/homebrew/bin/expect"),
+                              QStringLiteral("/usr/local/bin/expect")};
+        UploadLimits limits = {};
+    };
+
+    explicit UploadService(Environment environment);
+
+    /// Returns when the file is on the server under remoteFileName. Throws UploadError, or
+    /// SystemError when a temporary file cannot be written or a tool not be started.
+    [[nodiscard]] QCoro::Task<> upload(QUrl fileURL, UploadSettings settings,
+                                       QString remoteFileName);
+
+private:
+    [[nodiscard]] QCoro::Task<> uploadFTPWithCurl(QUrl fileURL, UploadSettings settings,
+                                                  QString remoteFileName);
+    [[nodiscard]] QCoro::Task<> uploadSFTP(QUrl fileURL, UploadSettings settings,
+                                           QString remoteFileName);
+    [[nodiscard]] QCoro::Task<> uploadSFTPWithKeys(QUrl fileURL, UploadSettings settings,
+                                                   QString remoteFileName);
+    [[nodiscard]] QCoro::Task<> uploadSFTPWithPassword(QUrl fileURL, UploadSettings settings,
+                                                       QString remoteFileName);
+
+    /// Runs a tool. Throws when it did not end by itself.
+    [[nodiscard]] QCoro::Task<ProcessOutcome> run(ProcessCommand command);
+
+    std::unique_ptr<TemporaryFile> createNetrcFile(const QString &hostname, const QString &username,
+                                                   const QString &password) const;
+    std::unique_ptr<TemporaryFile> createBatchFile(const QUrl &fileURL,
+                                                   const UploadSettings &settings,
+                                                   const QString &remoteFileName) const;
+    std::optional<QString> findExpect() const;
+
+    /// A new file of that kind's path in the temporary folder.
+    QString freshPath(QLatin1String prefix, QLatin1String suffix) const;
+
+    Environment m_environment;
+    /// The same for every creator, and read by no route: each has limits of its own.
+    [[maybe_unused]] std::chrono::duration<double> m_uploadTimeout{60};
+};

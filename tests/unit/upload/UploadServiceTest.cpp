@@ -1,0 +1,224 @@
+#include "StandInTools.h"
+#include "support/CapturedOutput.h"
+#include "support/TestMain.h"
+
+#include <QRegularExpression>
+
+using namespace Qt::StringLiterals;
+using ServerType = UploadSettings::ServerType;
+
+namespace {
+
+const QString kUuid = u"[0-9A-F]{8}-[0-9A-F]{4}-[0-9A-F]{4}-[0-9A-F]{4}-[0-9A-F]{12}"_s;
+
+} // namespace
+
+/// What the routes hand to the tools, and what they make of the results.
+class UploadServiceTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        TestSurroundings::failOnWarnings();
+        m_tools = std::make_unique<StandInTools>();
+    }
+    void cleanup()
+    {
+        QCOMPARE(m_tools->namesIn(u"tmp"_s), QStringList());
+        m_tools.reset();
+    }
+
+    void ftpAndFtpsTakeTheCurlRoute_data()
+    {
+        QTest::addColumn<ServerType>("type");
+        QTest::newRow("FTP") << ServerType::ftp;
+        QTest::newRow("FTPS") << ServerType::ftps;
+    }
+    void ftpAndFtpsTakeTheCurlRoute()
+    {
+        QFETCH(ServerType, type);
+        m_tools->makeTool(u"curl"_s, "echo > $SEEN/curl");
+        m_tools->makeTool(u"sftp"_s, "echo > $SEEN/sftp");
+        m_tools->makeKeysFolder();
+        QCOMPARE(m_tools->upload(type), QString());
+        QCOMPARE(m_tools->namesIn(u"seen"_s), QStringList({u"curl"_s}));
+    }
+
+    void sftpNeverReachesCurl()
+    {
+        m_tools->makeTool(u"curl"_s, "echo > $SEEN/curl");
+        m_tools->makeTool(u"sftp"_s, "echo > $SEEN/sftp");
+        m_tools->makeKeysFolder();
+        QCOMPARE(m_tools->upload(ServerType::sftp), QString());
+        QCOMPARE(m_tools->namesIn(u"seen"_s), QStringList({u"sftp"_s}));
+    }
+
+    void curlGetsItsArgumentsAndCredentials()
+    {
+        m_tools->settings.hostname = u" ftp://my.host/ "_s;
+        m_tools->makeTool(u"curl"_s,
+                          "printf '%s\\n' \"$@\" > $SEEN/arguments; "
+                          "while [ \"$1\" != --netrc-file ]; do shift; done; "
+                          "stat -c %a \"$2\" > $SEEN/mode; cat \"$2\" > $SEEN/netrc");
+        QCOMPARE(m_tools->upload(ServerType::ftp), QString());
+        QStringList arguments = QString::fromUtf8(m_tools->seen(u"arguments"_s)).split(u'\n');
+        const QRegularExpression netrc(
+            u"^"_s + QRegularExpression::escape(m_tools->path(u"tmp/.netrc_"_s)) + kUuid + u'$');
+        QVERIFY2(netrc.match(arguments.at(4)).hasMatch(), qPrintable(arguments.at(4)));
+        arguments.removeAt(4);
+        QCOMPARE(arguments,
+                 QStringList({u"--ftp-pasv"_s, u"-T"_s, u"/tmp/my \\[shot\\].png"_s,
+                              u"--netrc-file"_s, u"--max-time"_s, u"60"_s, u"--connect-timeout"_s,
+                              u"30"_s, u"-v"_s, u"ftp://my.host:22/a%20b.png"_s, QString()}));
+        QCOMPARE(m_tools->seen(u"netrc"_s), "machine my.host\nlogin me\npassword sesame");
+        QCOMPARE(m_tools->seen(u"mode"_s), "600\n");
+    }
+
+    void curlCommandAndOutputAreLoggedWithoutSecrets()
+    {
+        m_tools->makeTool(u"curl"_s, "echo out; printf '> PASS sesame\\r\\n< 226 ok\\r\\n' >&2");
+        const CapturedOutput output;
+        QCOMPARE(m_tools->upload(ServerType::ftp), QString());
+        const QByteArray expected = "🔍 Executing: " + QFile::encodeName(m_tools->environment.curl)
+            + " --ftp-pasv -T \"/tmp/my \\[shot\\].png\" [netrc-file] [netrc-file] --max-time 60 "
+              "--connect-timeout 30 -v ftp://my.host:22/a%20b.png\n"
+              "📋 Full curl output:\nout\n\n> PASS ********\r\n< 226 ok\r\n\n";
+        QCOMPARE(QString::fromUtf8(output.bytes()), QString::fromUtf8(expected));
+    }
+
+    void absentPasswordIsEmpty()
+    {
+        m_tools->platform.fakeSecrets->items.clear();
+        m_tools->makeTool(u"curl"_s,
+                          "while [ \"$1\" != --netrc-file ]; do shift; done; "
+                          "cat \"$2\" > $SEEN/netrc");
+        QCOMPARE(m_tools->upload(ServerType::ftp), QString());
+        QCOMPARE(m_tools->seen(u"netrc"_s), "machine my.host\nlogin me\npassword ");
+    }
+
+    void curlFailureIsTold()
+    {
+        m_tools->makeTool(u"curl"_s, "echo '* nothing' >&2; exit 9");
+        QCOMPARE(m_tools->upload(ServerType::ftp),
+                 u"Upload failed: FTP upload failed (exit code 9):\n* nothing"_s);
+    }
+
+    void withoutKeysFolderThePasswordIsUsedAtOnce()
+    {
+        m_tools->makeTool(u"sftp"_s, "printf '%s\\n' \"$@\" > $SEEN/arguments");
+        const CapturedOutput output;
+        QCOMPARE(m_tools->upload(ServerType::sftp), QString());
+        QVERIFY(m_tools->seen(u"arguments"_s).startsWith("-oBatchMode=no\n"));
+        QCOMPARE(output.lines(), QStringList());
+    }
+
+    void keysFolderMayBeAFile()
+    {
+        const TemporaryFile file(m_tools->path(u"home/.ssh"_s), "");
+        m_tools->makeTool(u"sftp"_s, "printf '%s\\n' \"$@\" > $SEEN/arguments");
+        QCOMPARE(m_tools->upload(ServerType::sftp), QString());
+        QVERIFY(m_tools->seen(u"arguments"_s).startsWith("-b\n"));
+    }
+
+    void sftpGetsItsArgumentsAndBatch()
+    {
+        m_tools->makeKeysFolder();
+        m_tools->settings.remotePath = u"/my pub"_s;
+        m_tools->makeTool(u"sftp"_s,
+                          "printf '%s\\n' \"$@\" > $SEEN/arguments; cat \"$2\" > $SEEN/batch; "
+                          "stat -c %a \"$2\" > $SEEN/mode; "
+                          "echo 'Warning: Permanently added x' >&2");
+        QCOMPARE(m_tools->upload(ServerType::sftp), QString());
+        QStringList arguments = QString::fromUtf8(m_tools->seen(u"arguments"_s)).split(u'\n');
+        const QRegularExpression batch(
+            u"^"_s + QRegularExpression::escape(m_tools->path(u"tmp/sftp_batch_"_s)) + kUuid
+            + u"\\.txt$"_s);
+        QVERIFY2(batch.match(arguments.at(1)).hasMatch(), qPrintable(arguments.at(1)));
+        arguments.removeAt(1);
+        QCOMPARE(arguments,
+                 QStringList({u"-b"_s, u"-oPort=22"_s, u"-oStrictHostKeyChecking=no"_s,
+                              u"-oUserKnownHostsFile=/dev/null"_s, u"-oBatchMode=yes"_s,
+                              u"-oConnectTimeout=30"_s, u"me@my.host"_s, QString()}));
+        QCOMPARE(m_tools->seen(u"batch"_s),
+                 "cd /my pub\nput \"/tmp/my [shot].png\" \"a b.png\"\nbye");
+        QCOMPARE(m_tools->seen(u"mode"_s), "600\n");
+    }
+
+    void refusedKeysAreFollowedByThePassword()
+    {
+        m_tools->makeKeysFolder();
+        m_tools->makeTool(u"sftp"_s,
+                          "[ $1 = -b ] || exit 0; echo 'me@h: Permission denied.' >&2; exit 255");
+        const CapturedOutput output;
+        QCOMPARE(m_tools->upload(ServerType::sftp), QString());
+        QCOMPARE(output.bytes(),
+                 "SSH key auth failed, trying password: Upload failed: "
+                 "me@h: Permission denied.\n\n");
+    }
+
+    void resultAfterRefusedKeysIsThePasswords()
+    {
+        m_tools->makeKeysFolder();
+        m_tools->makeTool(u"sftp"_s, "[ $1 = -b ] && exit 3; echo 'Permission denied'");
+        const CapturedOutput output;
+        QCOMPARE(m_tools->upload(ServerType::sftp), u"Authentication failed"_s);
+        QCOMPARE(output.lines(),
+                 QStringList({u"SSH key auth failed, trying password: Upload failed: SFTP process "
+                              "exited with code 3"_s}));
+    }
+
+    void passwordIsTyped()
+    {
+        m_tools->setPassword("-$es{a}me\\\"");
+        m_tools->makeTool(u"sftp"_s,
+                          "stty -echo; printf 'password: '; IFS= read -r line; "
+                          "printf '%s' \"$line\" > $SEEN/typed; cat \"$3\" > $SEEN/batch; "
+                          "stat -c '%a %n' $TMP_SEEN/* > $SEEN/files");
+        QCOMPARE(m_tools->upload(ServerType::sftp), QString());
+        QCOMPARE(m_tools->seen(u"typed"_s), "-$es{a}me\\\"");
+        QCOMPARE(m_tools->seen(u"batch"_s), "cd /\nput \"/tmp/my [shot].png\" \"a b.png\"\nbye");
+        const QString folder = QRegularExpression::escape(m_tools->environment.temporaryFolder);
+        const QRegularExpression files(u"^600 "_s + folder + u"/sftp_batch_"_s + kUuid
+                                       + u"\\.txt\n700 "_s + folder + u"/sftp_expect_"_s + kUuid
+                                       + u"\\.sh\n$"_s);
+        const QByteArray seen = m_tools->seen(u"files"_s);
+        QVERIFY2(files.match(QString::fromUtf8(seen)).hasMatch(), seen.constData());
+    }
+
+    void expectFoundElsewhereStillNamesItsUsualPlace()
+    {
+        const TemporaryFile elsewhere(m_tools->path(u"bin/expect-elsewhere"_s), "");
+        m_tools->environment.expect = QStringList({u"/nowhere/expect"_s, elsewhere.path()});
+        m_tools->makeTool(u"sftp"_s, "head -n 1 $TMP_SEEN/sftp_expect_* > $SEEN/line");
+        QCOMPARE(m_tools->upload(ServerType::sftp), QString());
+        QCOMPARE(m_tools->seen(u"line"_s), "#!/usr/bin/expect -f\n");
+    }
+
+    void addressesOfFiles_data()
+    {
+        QTest::addColumn<QUrl>("address");
+        QTest::addColumn<QByteArray>("path");
+        QTest::newRow("odd characters")
+            << QUrl::fromLocalFile(u"/tmp/ä %41#?.png"_s) << QByteArray("/tmp/ä %41#?.png");
+        QTest::newRow("web address")
+            << QUrl(u"https://example.org/a%20b.png"_s) << QByteArray("/a b.png");
+    }
+    void addressesOfFiles()
+    {
+        QFETCH(QUrl, address);
+        QFETCH(QByteArray, path);
+        m_tools->file = address;
+        m_tools->makeTool(u"curl"_s,
+                          "while [ \"$1\" != -T ]; do shift; done; "
+                          "printf '%s' \"$2\" > $SEEN/file");
+        QCOMPARE(m_tools->upload(ServerType::ftp), QString());
+        QCOMPARE(m_tools->seen(u"file"_s), path);
+    }
+
+private:
+    std::unique_ptr<StandInTools> m_tools;
+};
+
+TESSERY_TEST_MAIN(QCoreApplication, UploadServiceTest)
+#include "UploadServiceTest.moc"
