@@ -1,0 +1,84 @@
+#pragma once
+
+#include "app/NotificationDelegate.h"
+#include "base/TaskScope.h"
+#include "settings/UploadSettings.h"
+#include "upload/UploadService.h"
+
+#include <QCoro/QCoroTask>
+#include <QObject>
+#include <QString>
+#include <QUrl>
+
+#include <memory>
+
+class Clock;
+class ScreenshotMonitor;
+class SecureRandom;
+struct Platform;
+
+/// The one long-lived object of the application: it owns the settings in force, starts and stops
+/// monitoring, runs uploads and reports what came of them. The menu and the settings window observe
+/// it. Main thread.
+class AppState : public QObject {
+    Q_OBJECT
+
+public:
+    /// Loads the settings and asks for permission to notify; starts nothing else. The platform,
+    /// clock and random source are not owned and must outlive it. The stop token of environment is
+    /// replaced by that of tasks().
+    AppState(Platform &platform, UploadService::Environment environment, const Clock &clock,
+             SecureRandom &random);
+    /// No operation may be under way: await tasks().drained() before.
+    ~AppState() override;
+
+    /// Whether the screenshot folder is being watched.
+    bool isMonitoring() const { return m_isMonitoring; }
+    /// One line: the last step taken by any operation.
+    const QString &lastUploadStatus() const { return m_lastUploadStatus; }
+    /// The settings in force.
+    const UploadSettings &settings() const { return m_settings; }
+    /// Puts other settings in force; does not store them. Monitoring goes on as it was.
+    void setSettings(const UploadSettings &settings);
+
+    void startMonitoring();
+    void stopMonitoring();
+
+    /// Starts the upload of what the clipboard holds and returns at once.
+    void uploadClipboard();
+
+    /// The operations under way. Quitting asks them to end and waits for them.
+    TaskScope &tasks() { return m_tasks; }
+
+Q_SIGNALS:
+    /// Something that observers show is about to change; it has changed once control is back in
+    /// the event loop.
+    void objectWillChange();
+
+private:
+    void setLastUploadStatus(const QString &status);
+    void setIsMonitoring(bool isMonitoring);
+
+    void requestDesktopAccess();
+    void screenshotArrived(const QUrl &fileURL);
+    [[nodiscard]] QCoro::Task<> handleNewScreenshot(QUrl fileURL);
+    [[nodiscard]] QCoro::Task<> uploadFile(QUrl fileURL, QString remoteFileName,
+                                           QString displayName);
+    void reportSuccess(const QString &url, const QString &displayName);
+    void reportFailure(const QString &error);
+    QString generateRemoteFilename(const QUrl &fileURL) const;
+
+    void setupNotifications();
+    void sendNotification(const QString &title, const QString &body, bool isError);
+
+    Platform &m_platform;
+    const Clock &m_clock;
+    SecureRandom &m_random;
+    TaskScope m_tasks;
+    NotificationDelegate m_notificationDelegate;
+    bool m_isMonitoring = false;
+    QString m_lastUploadStatus;
+    UploadSettings m_settings;
+    UploadService m_uploadService;
+    std::unique_ptr<ScreenshotMonitor> m_screenshotMonitor;
+};

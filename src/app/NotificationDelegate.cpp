@@ -1,0 +1,6 @@
+#include "app/NotificationDelegate.h"
+
+NotificationPresentation NotificationDelegate::willPresent(const UserNotification &)
+{
+    return {.banner = true, .sound = true};
+}
