@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QByteArray>
+#include <QTimer>
+
+#include <sys/types.h>
+
+#include <cstdint>
+#include <functional>
+
+/// Which folder a path leads to, and when its list of entries changed last.
+struct FolderState {
+    bool exists = false;
+    dev_t device = 0;
+    ino_t inode = 0;
+    /// Nanoseconds since 1970.
+    std::int64_t modified = 0;
+
+    static FolderState of(const QByteArray &path);
+
+    bool isSameFolderAs(const FolderState &other) const;
+    bool operator==(const FolderState &) const = default;
+};
+
+/// Looks once a second whether the folder at a path has changed, for file systems that do not tell.
+/// Main thread.
+class FolderPoll {
+public:
+    /// onChange is given the state before and after.
+    FolderPoll(const QByteArray &path,
+               std::function<void(const FolderState &, const FolderState &)> onChange);
+
+private:
+    void look();
+
+    QByteArray m_path;
+    std::function<void(const FolderState &, const FolderState &)> m_onChange;
+    FolderState m_state;
+    QTimer m_timer;
+};

@@ -1,0 +1,83 @@
+#include "platform/linux/LibsecretStore.h"
+
+#include "base/Log.h"
+#include "platform/linux/DefaultKeyring.h"
+#include "platform/linux/FileSecretStore.h"
+#include "platform/linux/SecretServiceClient.h"
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+LibsecretStore::LibsecretStore(std::unique_ptr<FileSecretStore> fallback)
+    : m_fallback(std::move(fallback))
+{
+}
+
+LibsecretStore::~LibsecretStore() = default;
+
+std::optional<QByteArray> LibsecretStore::read(const QString &service, const QString &account)
+{
+    SecretServiceClient::Answer answer = client().read(service, account);
+    if (answer.status == SecretServiceClient::Status::NoService)
+        tellOfFallback(service, account);
+    return answer.secret ? std::move(answer.secret) : m_fallback->read(service, account);
+}
+
+bool LibsecretStore::write(const QString &service, const QString &account, const QByteArray &secret)
+{
+    m_waiting.reset();
+    switch (client().write(service, account, secret)) {
+    case SecretServiceClient::Status::Done:
+        m_fallback->remove(service, account);
+        return true;
+    case SecretServiceClient::Status::NotUsable:
+        m_waiting = Item{service, account, secret};
+        keyring().ask(DefaultKeyring::IfMissing::Make, [this] { storeWaiting(); });
+        return false;
+    case SecretServiceClient::Status::Failed:
+        return false;
+    case SecretServiceClient::Status::NoService:
+        tellOfFallback(service, account);
+        return m_fallback->write(service, account, secret);
+    }
+    Q_UNREACHABLE();
+}
+
+void LibsecretStore::unlock(std::function<void()> onChanged)
+{
+    keyring().watch(std::move(onChanged));
+    // Something may be waiting to be stored since before this was called.
+    keyring().ask(DefaultKeyring::IfMissing::Leave, [this] { storeWaiting(); });
+}
+
+SecretServiceClient &LibsecretStore::client()
+{
+    if (!m_client)
+        m_client = std::make_unique<SecretServiceClient>();
+    return *m_client;
+}
+
+DefaultKeyring &LibsecretStore::keyring()
+{
+    if (!m_keyring)
+        m_keyring = std::make_unique<DefaultKeyring>();
+    return *m_keyring;
+}
+
+void LibsecretStore::storeWaiting()
+{
+    const std::optional<Item> item = std::exchange(m_waiting, std::nullopt);
+    if (item
+        && client().write(item->service, item->account, item->secret)
+            == SecretServiceClient::Status::Done)
+        m_fallback->remove(item->service, item->account);
+}
+
+void LibsecretStore::tellOfFallback(const QString &service, const QString &account)
+{
+    if (std::exchange(m_toldOfFallback, true))
+        return;
+    Log::line(u"⚠️ No secret service is available, keeping the server password in a file: "_s
+              + m_fallback->filePath(service, account));
+}
