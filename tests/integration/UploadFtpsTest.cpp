@@ -1,0 +1,142 @@
+#include "UploadSurroundings.h"
+#include "support/CapturedOutput.h"
+#include "support/TestMain.h"
+
+#include <memory>
+
+using namespace std::chrono_literals;
+using namespace Qt::StringLiterals;
+using TLSVersion = UploadSettings::TLSVersion;
+
+/// Uploads with curl to a server with implicit TLS and a certificate that nobody knows.
+class UploadFtpsTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { m_server = start(); }
+    void cleanupTestCase() { m_server.reset(); }
+
+    void init()
+    {
+        TestSurroundings::failOnWarnings();
+        m_uploads = std::make_unique<UploadSurroundings>();
+        m_uploads->settings.serverType = UploadSettings::ServerType::ftps;
+        m_uploads->use(*m_server);
+    }
+    void cleanup()
+    {
+        qunsetenv("CURL_CA_BUNDLE");
+        m_uploads->checkLeftovers();
+        m_uploads.reset();
+    }
+
+    void fileArrivesWithEachVersion_data()
+    {
+        QTest::addColumn<TLSVersion>("version");
+        QTest::newRow("1.0") << TLSVersion::v1_0;
+        QTest::newRow("1.1") << TLSVersion::v1_1;
+        QTest::newRow("1.2") << TLSVersion::v1_2;
+        QTest::newRow("1.3") << TLSVersion::v1_3;
+        QTest::newRow("automatic") << TLSVersion::automatic;
+    }
+    void fileArrivesWithEachVersion()
+    {
+        QFETCH(TLSVersion, version);
+        m_uploads->settings.tlsVersion = version;
+        const QByteArray contents = m_uploads->large() + QTest::currentDataTag();
+        const QUrl file = m_uploads->makeFile(u"[a].png"_s, contents);
+        const CapturedOutput output;
+        QCOMPARE(m_uploads->upload(file, u"ü {b}.png"_s), QString());
+        QVERIFY(m_uploads->contentsOf(m_server->folder() + u"/ü {b}.png"_s) == contents);
+        QVERIFY(output.bytes().contains("\n> PASS ********\r\n"));
+        QVERIFY(!output.bytes().contains("s3cr3t"));
+    }
+
+    void untrustedCertificateIsTold()
+    {
+        m_uploads->settings.allowInsecureCertificates = false;
+        QCOMPARE(m_uploads->upload(),
+                 u"Upload failed: SSL certificate verification failed. Enable 'Allow Self-Signed "
+                 "Certificates' in settings."_s);
+    }
+
+    void trustedCertificateNeedsNoPermission()
+    {
+        m_uploads->settings.allowInsecureCertificates = false;
+        qputenv("CURL_CA_BUNDLE", QFile::encodeName(m_server->fact("certificate")));
+        QCOMPARE(m_uploads->upload(), QString());
+        QCOMPARE(m_uploads->contentsOf(m_server->folder() + u'/' + m_uploads->kName),
+                 m_uploads->small());
+    }
+
+    void wrongPasswordIsTold()
+    {
+        m_uploads->setPassword(u"wr0ng"_s);
+        QCOMPARE(m_uploads->upload(), u"Authentication failed"_s);
+    }
+
+    void serverWithoutEncryptionIsTold()
+    {
+        const TestServer plain(u"pyftpdlib"_s);
+        m_uploads->settings.port = plain.port();
+        const QString told = m_uploads->upload();
+        QVERIFY2(told.startsWith(u"Upload failed: "_s), qPrintable(told));
+        QVERIFY2(told.contains(u"wrong version number"_s), qPrintable(told));
+    }
+
+    void plainUploadToAnEncryptingServerIsTold()
+    {
+        m_uploads->settings.serverType = UploadSettings::ServerType::ftp;
+        m_uploads->environment.limits.curlConnect = 1s;
+        // Each side waits for the other to begin.
+        QCOMPARE(m_uploads->upload(), u"Connection timed out"_s);
+    }
+
+    void folderTroubleIsTold_data()
+    {
+        QTest::addColumn<QString>("fact");
+        QTest::newRow("missing") << u"missingPath"_s;
+        QTest::newRow("forbidden") << u"forbiddenPath"_s;
+        QTest::newRow("not writable") << u"readOnlyPath"_s;
+    }
+    void folderTroubleIsTold()
+    {
+        QFETCH(QString, fact);
+        m_uploads->settings.remotePath = m_server->fact(fact.toLatin1().constData());
+        const QString told = m_uploads->upload();
+        QVERIFY2(told.startsWith(u"Upload failed: FTP upload failed (exit code "_s),
+                 qPrintable(told));
+        QVERIFY2(told.contains(u"550"_s), qPrintable(told));
+    }
+
+    void serverThatGoesInMidTransferIsTold()
+    {
+        const auto slow = start({u"--rate=200000"_s});
+        m_uploads->use(*slow);
+        const QString told = m_uploads->uploadLarge(slow->folder(), [&slow] { slow->close(); });
+        QVERIFY2(told.startsWith(u"Upload failed: "_s), qPrintable(told));
+    }
+
+    void quittingInMidTransferEndsIt()
+    {
+        const auto slow = start({u"--rate=20000"_s});
+        m_uploads->use(*slow);
+        std::stop_source source;
+        m_uploads->environment.stop = source.get_token();
+        QCOMPARE(m_uploads->uploadLarge(slow->folder(), [&source] { source.request_stop(); }),
+                 u"Upload failed: Cancelled because Tessery is quitting"_s);
+    }
+
+private:
+    static std::unique_ptr<TestServer> start(const QStringList &options = {})
+    {
+        return std::make_unique<TestServer>(u"proftpd-ftps"_s,
+                                            QStringList{u"--password=s3cr3t"_s} + options);
+    }
+
+    std::unique_ptr<TestServer> m_server;
+    std::unique_ptr<UploadSurroundings> m_uploads;
+};
+
+TESSERY_TEST_MAIN(QCoreApplication, UploadFtpsTest)
+#include "UploadFtpsTest.moc"

@@ -1,0 +1,1 @@
+"""The parts of which the private test servers and desktops are made."""

@@ -1,0 +1,33 @@
+"""Ports on loopback for servers that cannot choose a free one by themselves."""
+
+import random
+import socket
+
+HOST = "127.0.0.1"
+
+# An upload whose output holds the digits 530 reads as a refused login, so no port may have them.
+TRAP = "530"
+# Below the range from which the kernel takes the ports of clients.
+CONTROL_PORTS = [port for port in range(10240, 20000) if TRAP not in str(port)]
+PASSIVE_PORTS = range(26000, 26500)
+assert not any(TRAP in str(port) for port in PASSIVE_PORTS)
+
+
+def bound_socket():
+    """A TCP socket bound to a free port of loopback, not listening yet."""
+    ports = random.sample(CONTROL_PORTS, 200)
+    for port in ports:
+        sock = socket.socket()
+        sock.setsockopt(socket.SOL_SOCKET, socket.SO_REUSEADDR, 1)
+        try:
+            sock.bind((HOST, port))
+            return sock
+        except OSError:
+            sock.close()
+    raise OSError(f"no free port among {len(ports)} tried")
+
+
+def free_port():
+    """A port that was free a moment ago: the server that takes it may still find it in use."""
+    with bound_socket() as sock:
+        return sock.getsockname()[1]

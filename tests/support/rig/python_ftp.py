@@ -1,0 +1,66 @@
+"""A light FTP server in Python: starts quickly, and breaks off or writes slowly when told to."""
+
+import contextlib
+import logging
+import threading
+import time
+
+from pyftpdlib.authorizers import DummyAuthorizer
+from pyftpdlib.handlers import DTPHandler, FTPHandler
+from pyftpdlib.ioloop import IOLoop
+from pyftpdlib.servers import FTPServer
+
+from rig import place as places, ports
+
+
+def _handlers(options):
+    """The handler classes of control and data connections."""
+
+    class Data(DTPHandler):
+        ac_in_buffer_size = 4096 if options.rate or options.after else 65536
+
+        def handle_read(self):
+            before = self.tot_bytes_received
+            super().handle_read()
+            if options.rate:
+                time.sleep((self.tot_bytes_received - before) / options.rate)
+            if options.after and self.tot_bytes_received > options.after:
+                self.cmd_channel.close()
+
+        # The name by which the base class's event loop calls it.
+        handle_read_event = handle_read
+
+    class Control(FTPHandler):
+        banner = "Test server"
+        dtp_handler = Data
+        passive_ports = list(ports.PASSIVE_PORTS)
+        auth_failed_timeout = 0
+        log_prefix = ""
+
+    return Control
+
+
+@contextlib.contextmanager
+def serve(base, options):
+    """Runs the server in a thread; with `options.after` it hangs up after so many bytes."""
+    folder = base / "files"
+    places.make_login_folder(folder)
+    logging.basicConfig(level=logging.ERROR)
+    control = _handlers(options)
+    control.authorizer = DummyAuthorizer()
+    control.authorizer.add_user(options.user, options.password, str(folder), perm="elradfmwMT")
+    loop = IOLoop()
+    server = FTPServer(ports.bound_socket(), control, ioloop=loop)
+    stop = threading.Event()
+
+    def run():
+        while not stop.is_set():
+            loop.loop(timeout=0.05, blocking=False)
+
+    thread = threading.Thread(target=run, daemon=True)
+    thread.start()
+    yield {"port": server.address[1], "user": options.user, "password": options.password,
+           "root": folder, "folder": folder, "remotePath": "/"}
+    stop.set()
+    thread.join()
+    server.close_all()
