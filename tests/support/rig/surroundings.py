@@ -1,0 +1,68 @@
+"""The folders and the environment of a private desktop."""
+
+import os
+import pathlib
+import shutil
+import tempfile
+
+# What a desktop of the person who runs this would leak into ours.
+_KEPT = ("PATH", "ASAN_OPTIONS", "UBSAN_OPTIONS", "LSAN_OPTIONS")
+
+
+class Surroundings:
+    """A fresh HOME, runtime folder and temporary folder below one base folder."""
+
+    def __init__(self):
+        self.base = pathlib.Path(tempfile.mkdtemp(prefix="tessery-desktop-"))
+        self.home = self._folder("home")
+        # The digits 530 in the speed that curl's progress meter tells read as a refused login.
+        (self.home / ".curlrc").write_text("no-progress-meter\n")
+        self.runtime = self._folder("run")
+        self.tmp = self._folder("tmp")
+        self.desktop_folder = self._folder("home/Desktop")
+        self.config = self._folder("home/.config")
+        self._own_tmp = self._folder("desktop-tmp")
+        self._noted = set()
+        self.environment = self._environment()
+
+    def _folder(self, name):
+        path = self.base / name
+        path.mkdir(mode=0o700)
+        return path
+
+    def _environment(self):
+        kept = {name: os.environ[name] for name in _KEPT if name in os.environ}
+        return {
+            **kept,
+            "HOME": str(self.home),
+            "USER": "tester",
+            "LOGNAME": "tester",
+            "XDG_RUNTIME_DIR": str(self.runtime),
+            "TMPDIR": str(self._own_tmp),
+            "LANG": "C.UTF-8",
+            "XDG_SESSION_TYPE": "x11",
+            "XDG_CURRENT_DESKTOP": "LXQt",
+            "QT_QPA_PLATFORM": "xcb",
+            "LIBGL_ALWAYS_SOFTWARE": "1",
+            "NO_AT_BRIDGE": "1",
+            "GSETTINGS_BACKEND": "memory",
+        }
+
+    def program_environment(self):
+        """The programs under test have a temporary folder of their own."""
+        return {**self.environment, "TMPDIR": str(self.tmp)}
+
+    def _files(self):
+        return {path for folder in (self.runtime, self.tmp) for path in folder.rglob("*")}
+
+    def note_files(self):
+        """What is in the temporary and runtime folders now is none of the programs' doing."""
+        self._noted = self._files()
+
+    def new_files(self):
+        """What has come into these folders since."""
+        return sorted(str(path) for path in self._files() - self._noted)
+
+    def remove(self):
+        """Removes everything."""
+        shutil.rmtree(self.base)
