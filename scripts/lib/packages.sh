@@ -1,0 +1,44 @@
+# The packages of the distribution that the scripts need, and installing those that are missing.
+# To be sourced.
+
+build_packages=(
+  build-essential cmake ninja-build pkg-config
+  qt6-base-dev libgl1-mesa-dev qt6-svg-dev qcoro-qt6-dev nlohmann-json3-dev
+  libpng-dev libsecret-1-dev libxcb1-dev
+)
+run_packages=(
+  qt6-qpa-plugins libqt6svg6 curl openssh-client expect
+)
+desktop_packages=(
+  dbus python3 python3-gi libglib2.0-bin gnome-keyring libsecret-tools
+  xvfb xauth x11-utils x11-xserver-utils xdotool xclip imagemagick
+  openbox lxqt-panel lxqt-themes dunst
+  fonts-dejavu-core fonts-noto-color-emoji
+  python3-asyncssh
+)
+test_packages=(
+  clang-format-16 clang-tidy-16
+  dbus-x11 python3-dbus python3-dbusmock python3-pyftpdlib
+  openssl trayer x11-xkb-utils strace
+)
+
+# Installs those of the packages that are missing; asks the package manager only if some are.
+install_packages() {
+  local installed missing=() package
+  installed=$(dpkg-query -W -f '${Package}:${db:Status-Status}\n' "$@" 2>/dev/null || true)
+  for package in "$@"; do
+    grep -qx -- "$package:installed" <<<"$installed" || missing+=("$package")
+  done
+  [ ${#missing[@]} -gt 0 ] || return 0
+  echo "Installing ${#missing[@]} packages: ${missing[*]}"
+  as_root apt-get -q update
+  as_root apt-get -q install -y --no-install-recommends "${missing[@]}"
+}
+
+as_root() {
+  if [ "$(id -u)" -eq 0 ]; then
+    env DEBIAN_FRONTEND=noninteractive "$@"
+  else
+    sudo env DEBIAN_FRONTEND=noninteractive "$@"
+  fi
+}

@@ -1,0 +1,46 @@
+# Fails when a source file uses something that the program or its tests must do without.
+cmake_minimum_required(VERSION 3.25)
+
+set(mistakes "")
+set(checked 0)
+
+# forbid(FOLDER PATTERN REASON [EXCEPT PATTERN]): no line below FOLDER matches PATTERN.
+function(forbid folder pattern reason)
+  cmake_parse_arguments(PARSE_ARGV 3 arg "" "EXCEPT" "")
+  file(GLOB_RECURSE files "${SOURCE}/${folder}/*.h" "${SOURCE}/${folder}/*.cpp")
+  foreach(file IN LISTS files)
+    file(STRINGS "${file}" lines REGEX "${pattern}")
+    foreach(line IN LISTS lines)
+      if(NOT arg_EXCEPT OR NOT line MATCHES "${arg_EXCEPT}")
+        string(STRIP "${line}" line)
+        string(REPLACE ";" "" line "${line}")
+        list(APPEND mistakes "${file}: ${line}\n    ${reason}")
+      endif()
+    endforeach()
+  endforeach()
+  list(LENGTH files count)
+  math(EXPR checked "${checked} + ${count}")
+  set(checked ${checked} PARENT_SCOPE)
+  set(mistakes "${mistakes}" PARENT_SCOPE)
+endfunction()
+
+set(nested "a nested event loop runs any slot in the middle of another")
+set(wait "wait for the signal or the condition")
+forbid(src "QEventLoop|processEvents" "${nested}")
+forbid(src "QCoro::waitFor" "${nested}")
+forbid(src "waitFor(Finished|Started|ReadyRead|BytesWritten|Connected|Disconnected) *\\("
+  "it blocks the main thread" EXCEPT "co_await")
+forbid(src "[^a-zA-Z_]SIGNAL *\\(" "connect by member pointer")
+forbid(src "# *if.*(Q_OS_|__linux__|__APPLE__|_WIN32)" "the build picks the platform")
+forbid(tests "QSKIP|QEXPECT_FAIL" "a test that may be passed over proves nothing")
+# A bounded wait is right only where the claim is that nothing happens, and the line says so.
+forbid(tests "[^a-zA-Z_]q(Wait|Sleep) *\\(|sleep_for" "${wait}" EXCEPT "// Nothing may happen")
+
+if(NOT checked)
+  message(FATAL_ERROR "nothing to check")
+endif()
+if(mistakes)
+  list(JOIN mistakes "\n  " mistakes)
+  message(FATAL_ERROR "not to be used:\n  ${mistakes}")
+endif()
+message(STATUS "no such word")
