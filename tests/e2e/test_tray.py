@@ -4,7 +4,7 @@ import time
 import unittest
 
 from desktop_case import DesktopCase
-from rig import hostless_watcher, processes
+from rig import hostless_watcher, processes, tray
 from upload_case import UploadCase
 
 PNG = b"\x89PNG\r\n\x1a\n"
@@ -167,6 +167,8 @@ class PanelTest(DesktopCase):
         self.desktop.start_tray("xembed")
         time.sleep(GRACE + 1)  # Nothing may happen.
         self.assertEqual(self.old_icons(), [])
+        # The toolkit would put an icon of its own into the panel instead.
+        self.assertEqual(len(tray.items(self.desktop.bus)), 1)
 
     def test_watcher_that_no_panel_listens_to_does_not_hide_the_program(self):
         self.desktop.household.start(["/usr/bin/python3", hostless_watcher.__file__])
