@@ -80,7 +80,7 @@ void AppState::screenshotArrived(const QUrl &fileURL)
 
 QCoro::Task<> AppState::handleNewScreenshot(QUrl fileURL)
 {
-    const QString fileName = FileName::lastPathComponent(fileURL.toLocalFile());
+    const QString fileName = FileName::lastPathComponent(FileName::pathOf(fileURL));
     Log::line(u"🎯 handleNewScreenshot called for: "_s + loggedName(fileURL));
     if (!m_settings.isValid()) {
         Log::line(u"❌ Settings not valid"_s);

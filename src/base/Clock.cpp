@@ -9,6 +9,11 @@ public:
 
 } // namespace
 
+QString Clock::wholeSeconds() const
+{
+    return QString::asprintf("%.0f", static_cast<double>(now().toMSecsSinceEpoch()) / 1000.0);
+}
+
 const Clock &Clock::system()
 {
     static const SystemClock clock;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDateTime>
+#include <QString>
 
 /// Where the current time comes from, so that a test can choose it.
 class Clock {
@@ -12,6 +13,9 @@ public:
 
     /// Now, in the user's local time zone.
     virtual QDateTime now() const = 0;
+
+    /// Now, in whole seconds since 1970, rounded to the nearest.
+    QString wholeSeconds() const;
 
     /// The computer's clock.
     static const Clock &system();

@@ -11,6 +11,11 @@ qsizetype extensionDot(const QString &name)
 
 } // namespace
 
+QString FileName::pathOf(const QUrl &fileURL)
+{
+    return fileURL.isLocalFile() ? fileURL.toLocalFile() : fileURL.path(QUrl::FullyDecoded);
+}
+
 QString FileName::lastPathComponent(const QString &path)
 {
     qsizetype end = path.size();

@@ -9,9 +9,11 @@
 #include <sys/stat.h>
 
 #include <cerrno>
+#include <cstdio>
 
-TemporaryFile::TemporaryFile(const QString &path, const QByteArray &contents, Mode mode)
-    : m_path(path)
+namespace {
+
+void writeNewFile(const QString &path, const QByteArray &contents, TemporaryFile::Mode mode)
 {
     const QByteArray name = QFile::encodeName(path);
     const auto bits = static_cast<mode_t>(mode);
@@ -32,6 +34,26 @@ TemporaryFile::TemporaryFile(const QString &path, const QByteArray &contents, Mo
     if (error != 0) {
         ::unlink(name.constData());
         throw SystemError::fromErrno(QLatin1String("Could not write ") + path, error);
+    }
+}
+
+} // namespace
+
+TemporaryFile::TemporaryFile(const QString &path, const QByteArray &contents, Mode mode)
+    : m_path(path), m_mode(mode)
+{
+    writeNewFile(path, contents, mode);
+}
+
+void TemporaryFile::replaceContents(const QByteArray &contents)
+{
+    const QString replacement = m_path + QLatin1String(".new");
+    writeNewFile(replacement, contents, m_mode);
+    if (::rename(QFile::encodeName(replacement).constData(), QFile::encodeName(m_path).constData())
+        != 0) {
+        const int error = errno;
+        ::unlink(QFile::encodeName(replacement).constData());
+        throw SystemError::fromErrno(QLatin1String("Could not write ") + m_path, error);
     }
 }
 

@@ -20,8 +20,13 @@ public:
     TemporaryFile(const TemporaryFile &) = delete;
     TemporaryFile &operator=(const TemporaryFile &) = delete;
 
+    /// Puts other contents in the file's place; whoever has it open still reads the old ones.
+    /// Throws SystemError, and leaves the file as it was, if that is impossible.
+    void replaceContents(const QByteArray &contents);
+
     const QString &path() const { return m_path; }
 
 private:
     QString m_path;
+    Mode m_mode;
 };

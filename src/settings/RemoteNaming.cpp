@@ -32,13 +32,6 @@ QString withExtension(const QString &base, const QString &extension)
     return extension.isEmpty() ? base : QString(base + u'.' + extension);
 }
 
-/// The time in whole seconds since 1970, rounded to the nearest.
-QString timestamp(const Clock &clock)
-{
-    const double seconds = static_cast<double>(clock.now().toMSecsSinceEpoch()) / 1000.0;
-    return QString::asprintf("%.0f", seconds);
-}
-
 } // namespace
 
 QString UploadSettings::RandomFilenameConfig::characterPool() const
@@ -71,14 +64,14 @@ QString generateFilename(UploadSettings::FilenameStyle style, const QUrl &fileUR
                          const UploadSettings::RandomFilenameConfig &config, const Clock &clock,
                          SecureRandom &random)
 {
-    const QString path = fileURL.toLocalFile();
+    const QString path = FileName::pathOf(fileURL);
     switch (style) {
     case UploadSettings::FilenameStyle::original:
         return FileName::lastPathComponent(path);
     case UploadSettings::FilenameStyle::random:
         return withExtension(config.generateRandomString(random), FileName::pathExtension(path));
     case UploadSettings::FilenameStyle::timestamp:
-        return withExtension(timestamp(clock), FileName::pathExtension(path));
+        return withExtension(clock.wholeSeconds(), FileName::pathExtension(path));
     }
     Q_UNREACHABLE();
 }

@@ -17,11 +17,11 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// The path that the address stands for. The address of something that is no local file gives its
-/// path, at which the tool will find nothing.
-QString pathOf(const QUrl &fileURL)
+/// The path of the file for the tool. What is no local file is handed over as its whole address, at
+/// which the tool finds nothing; a file of ours that happens to have the same path is not meant.
+QString localPathOf(const QUrl &fileURL)
 {
-    return fileURL.isLocalFile() ? fileURL.toLocalFile() : fileURL.path(QUrl::FullyDecoded);
+    return fileURL.isLocalFile() ? fileURL.toLocalFile() : fileURL.toString(QUrl::FullyEncoded);
 }
 
 QString storedPassword()
@@ -60,7 +60,7 @@ QCoro::Task<> UploadService::uploadFTPWithCurl(QUrl fileURL, UploadSettings sett
     const QString host = CurlCommand::cleanHost(settings.hostname);
     const auto netrc = createNetrcFile(host, settings.username, storedPassword());
     const QStringList arguments =
-        CurlCommand::arguments(settings, pathOf(fileURL), netrc->path(),
+        CurlCommand::arguments(settings, localPathOf(fileURL), netrc->path(),
                                CurlCommand::url(settings, remoteFileName), m_environment.limits);
     Log::line(u"🔍 Executing: "_s + m_environment.curl + u' '
               + CurlCommand::shownArguments(arguments));
@@ -152,7 +152,7 @@ std::unique_ptr<TemporaryFile> UploadService::createBatchFile(const QUrl &fileUR
 {
     return std::make_unique<TemporaryFile>(
         freshPath("sftp_batch_"_L1, ".txt"_L1),
-        SftpCommand::batchText(settings.remotePath, pathOf(fileURL), remoteFileName).toUtf8());
+        SftpCommand::batchText(settings.remotePath, localPathOf(fileURL), remoteFileName).toUtf8());
 }
 
 std::optional<QString> UploadService::findExpect() const

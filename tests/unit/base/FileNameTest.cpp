@@ -9,6 +9,23 @@ class FileNameTest : public QObject {
 private Q_SLOTS:
     void init() { TestSurroundings::failOnWarnings(); }
 
+    void pathOf_data()
+    {
+        QTest::addColumn<QByteArray>("address");
+        QTest::addColumn<QString>("path");
+        QTest::newRow("plain") << QByteArray("file:///a/b.txt") << u"/a/b.txt"_s;
+        QTest::newRow("encoded") << QByteArray("file:///a/b%20%23%25%C3%A9.txt")
+                                 << u"/a/b #%é.txt"_s;
+        QTest::newRow("web") << QByteArray("https://x.org/a/b%20c.txt?d=e#f") << u"/a/b c.txt"_s;
+        QTest::newRow("web without a path") << QByteArray("https://x.org") << u""_s;
+    }
+    void pathOf()
+    {
+        QFETCH(QByteArray, address);
+        QFETCH(QString, path);
+        QCOMPARE(FileName::pathOf(QUrl::fromEncoded(address)), path);
+    }
+
     void lastPathComponent_data()
     {
         QTest::addColumn<QString>("path");

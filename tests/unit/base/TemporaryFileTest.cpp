@@ -106,6 +106,27 @@ private Q_SLOTS:
         }
     }
 
+    void replacedContentsAreWholeAndReadersKeepTheOldOnes()
+    {
+        TemporaryFile file(m_folder.filePath(u"a"_s), "old");
+        QFile reader(file.path());
+        QVERIFY(reader.open(QIODevice::ReadOnly));
+        file.replaceContents("the new ones");
+        QCOMPARE(contentsOf(file.path()), "the new ones");
+        QCOMPARE(modeOf(file.path()), 0600U);
+        QCOMPARE(reader.readAll(), "old");
+        QCOMPARE(QDir(m_folder.path()).entryList(QDir::Files | QDir::Hidden), QStringList(u"a"_s));
+    }
+
+    void contentsThatCannotBeReplacedStay()
+    {
+        TemporaryFile file(m_folder.filePath(u"a"_s), "old");
+        QVERIFY(QDir().mkdir(file.path() + u".new"_s));
+        QVERIFY_THROWS_EXCEPTION(SystemError, file.replaceContents("new"));
+        QCOMPARE(contentsOf(file.path()), "old");
+        QVERIFY(QDir().rmdir(file.path() + u".new"_s));
+    }
+
     void fileThatCannotBeWrittenWholeIsReportedAndRemoved()
     {
         // A limit on the size of files stands in for a full disk.
