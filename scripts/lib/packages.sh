@@ -4,10 +4,10 @@
 build_packages=(
   build-essential cmake ninja-build pkg-config
   qt6-base-dev libgl1-mesa-dev qt6-svg-dev qcoro-qt6-dev nlohmann-json3-dev
-  libpng-dev libsecret-1-dev libxcb1-dev
+  libpng-dev zlib1g-dev libsecret-1-dev libxcb1-dev x11proto-dev
 )
 run_packages=(
-  qt6-qpa-plugins libqt6svg6 curl openssh-client expect
+  qt6-qpa-plugins libqt6svg6 qt6-image-formats-plugins curl openssh-client expect
 )
 desktop_packages=(
   dbus python3 python3-gi libglib2.0-bin gnome-keyring libsecret-tools
@@ -19,7 +19,7 @@ desktop_packages=(
 test_packages=(
   clang-format-16 clang-tidy-16
   dbus-x11 python3-dbus python3-dbusmock python3-pyftpdlib
-  openssl trayer x11-xkb-utils strace
+  openssl trayer x11-xkb-utils strace libxcb-xtest0-dev xserver-xephyr
 )
 
 # Installs those of the packages that are missing; asks the package manager only if some are.

@@ -8,10 +8,11 @@
 #include <QApplication>
 
 TesseryApp::TesseryApp(Platform &platform)
-    : m_appState(
-        platform,
-        {.homeFolder = platform.folders->home(), .temporaryFolder = m_temporaryFolder.path()},
-        Clock::system(), SecureRandom::system())
+    : m_pasteboard(*platform.pasteboard)
+    , m_appState(
+          platform,
+          {.homeFolder = platform.folders->home(), .temporaryFolder = m_temporaryFolder.path()},
+          Clock::system(), SecureRandom::system())
     , m_menuBarView(m_appState, *platform.menuBarExtra,
                     {.openSettings = [this] { openSettings(); },
                      .quit =
@@ -28,20 +29,20 @@ int TesseryApp::run()
 {
     const int result = QCoreApplication::exec();
     // However quitting came about, uploads are told to end, and their tools and files are gone
-    // before the program is.
-    TaskScope &tasks = m_appState.tasks();
-    tasks.requestStop();
-    if (tasks.running() > 0) {
-        [[maybe_unused]] const auto waiting = quitWhenDrained();
-        while (tasks.running() > 0)
-            QCoreApplication::exec(); // Asked to quit once more, it ends too early.
-    }
+    // before the program is; the link stays for others to paste.
+    m_appState.tasks().requestStop();
+    bool isDone = false;
+    [[maybe_unused]] const auto winding = windUp(&isDone);
+    while (!isDone)
+        QCoreApplication::exec(); // Asked to quit once more, it ends too early.
     return result;
 }
 
-QCoro::Task<> TesseryApp::quitWhenDrained()
+QCoro::Task<> TesseryApp::windUp(bool *isDone)
 {
     co_await m_appState.tasks().drained();
+    co_await m_pasteboard.handOver();
+    *isDone = true;
     QCoreApplication::quit();
 }
 

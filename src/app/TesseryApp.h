@@ -6,6 +6,7 @@
 
 #include <memory>
 
+class Pasteboard;
 class SettingsView;
 
 /// The application: it holds the state and shows it as the tray menu and the settings window. Main
@@ -25,8 +26,10 @@ public:
 
 private:
     void openSettings();
-    [[nodiscard]] QCoro::Task<> quitWhenDrained();
+    /// Waits for what is under way and gives the clipboard's content away.
+    [[nodiscard]] QCoro::Task<> windUp(bool *isDone);
 
+    Pasteboard &m_pasteboard;
     TemporaryFolder m_temporaryFolder;
     AppState m_appState;
     MenuBarView m_menuBarView;

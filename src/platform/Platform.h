@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/EventTap.h"
 #include "platform/FolderAccessPanel.h"
 #include "platform/FolderWatcher.h"
 #include "platform/MenuBarExtra.h"
@@ -22,6 +23,7 @@ struct Platform {
     std::unique_ptr<MenuBarExtra> menuBarExtra;
     std::unique_ptr<FolderAccessPanel> folderAccessPanel;
     std::function<std::unique_ptr<FolderWatcher>()> makeFolderWatcher;
+    EventTap::Factory makeEventTap;
 
     /// The platform in use, for the operations of the settings record that are static by nature;
     /// everybody else is given what it needs. Must have been set.

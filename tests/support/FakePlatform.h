@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/Platform.h"
+#include "support/FakeEventTap.h"
 #include "support/FakeFolderAccessPanel.h"
 #include "support/FakeFolderWatcher.h"
 #include "support/FakeMenuBarExtra.h"
@@ -26,6 +27,7 @@ public:
             ++watchersMade;
             return own(std::make_unique<FakeFolderWatcher>(), fakeFolderWatcher);
         };
+        makeEventTap = fakeEventTaps.factory();
         setCurrent(this);
     }
     ~FakePlatform() { setCurrent(nullptr); }
@@ -41,6 +43,7 @@ public:
     FakeFolderAccessPanel *fakeFolderAccessPanel = nullptr;
     FakeFolderWatcher *fakeFolderWatcher = nullptr; ///< The latest; may be gone.
     int watchersMade = 0;
+    FakeEventTaps fakeEventTaps;
 
 private:
     template <typename Fake>

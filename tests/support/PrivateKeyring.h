@@ -1,65 +1,19 @@
 #pragma once
 
+#include "support/PrivateDisplay.h"
+#include "support/TestChild.h"
+
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDBusObjectPath>
 #include <QDir>
 #include <QFile>
-#include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
 
-#include <sys/prctl.h>
-
 #include <csignal>
 #include <memory>
-#include <optional>
-
-/// A child process that is ended with its object.
-class TestChild {
-public:
-    TestChild(const QString &program, const QStringList &arguments, const QByteArray &input = {})
-    {
-        m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        // Even if the test crashes.
-        m_process.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); });
-        m_process.start(program, arguments);
-        m_process.write(input);
-        m_process.closeWriteChannel();
-    }
-    ~TestChild()
-    {
-        m_process.kill();
-        m_process.waitForFinished();
-    }
-    TestChild(const TestChild &) = delete;
-    TestChild &operator=(const TestChild &) = delete;
-
-    void send(int signal) const { ::kill(static_cast<pid_t>(m_process.processId()), signal); }
-
-    QByteArray firstLine()
-    {
-        while (!m_process.canReadLine() && m_process.waitForReadyRead(10000)) { }
-        return m_process.readLine().trimmed();
-    }
-
-private:
-    QProcess m_process;
-};
-
-/// The output of a program that ends by itself; nothing if it fails.
-inline std::optional<QByteArray> outputOf(const QString &program, const QStringList &arguments,
-                                          const QByteArray &input = {})
-{
-    QProcess process;
-    process.start(program, arguments);
-    process.write(input);
-    process.closeWriteChannel();
-    if (!process.waitForFinished(10000) || process.exitCode() != 0)
-        return std::nullopt;
-    return process.readAllStandardOutput();
-}
 
 /// A real keyring on a session bus of its own, whose real prompter shows itself on a display of its
 /// own. Both are there from the first need on.
@@ -183,12 +137,7 @@ private:
 
     void startDisplay()
     {
-        m_display = std::make_unique<TestChild>(
-            QStringLiteral("Xvfb"),
-            QStringList{QStringLiteral("-displayfd"), QStringLiteral("1"),
-                        QStringLiteral("-nolisten"), QStringLiteral("tcp"),
-                        QStringLiteral("-noreset")});
-        qputenv("DISPLAY", ':' + m_display->firstLine());
+        m_display = std::make_unique<PrivateDisplay>();
         qputenv("NO_AT_BRIDGE", "1");
         // There is no window manager, so keys go where the pointer is.
         QVERIFY(
@@ -216,7 +165,7 @@ private:
     }
 
     QTemporaryDir m_folder;
-    std::unique_ptr<TestChild> m_display;
+    std::unique_ptr<PrivateDisplay> m_display;
     std::unique_ptr<TestChild> m_bus;
     std::unique_ptr<TestChild> m_daemon;
 };

@@ -5,10 +5,15 @@
 #include "platform/linux/InotifyFolderWatcher.h"
 #include "platform/linux/LibsecretStore.h"
 #include "platform/linux/QtFolderAccessPanel.h"
-#include "platform/linux/QtPasteboard.h"
 #include "platform/linux/QtStandardFolders.h"
 #include "platform/linux/SettingsFileStore.h"
 #include "platform/linux/TrayMenuBarExtra.h"
+#include "platform/linux/x11/X11EventTap.h"
+#include "platform/linux/x11/X11Pasteboard.h"
+
+#include <QGuiApplication>
+
+#include <utility>
 
 LinuxPlatform::LinuxPlatform()
 {
@@ -16,9 +21,16 @@ LinuxPlatform::LinuxPlatform()
     preferences = std::make_unique<SettingsFileStore>();
     secrets = std::make_unique<LibsecretStore>(std::make_unique<FileSecretStore>());
     notifications = std::make_unique<FreedesktopNotificationCenter>();
-    pasteboard = std::make_unique<QtPasteboard>();
+    pasteboard = std::make_unique<X11Pasteboard>();
     menuBarExtra = std::make_unique<TrayMenuBarExtra>();
     folderAccessPanel = std::make_unique<QtFolderAccessPanel>();
+    makeEventTap = [](const std::optional<KeyPress> &wanted,
+                      EventTap::OnKeyDown onKeyDown) -> std::unique_ptr<EventTap> {
+        // The X display of a Wayland session hears only the keys for its own windows.
+        if (!qGuiApp->nativeInterface<QNativeInterface::QX11Application>())
+            return nullptr;
+        return X11EventTap::make(wanted, std::move(onKeyDown));
+    };
     makeFolderWatcher = [] {
         return std::make_unique<InotifyFolderWatcher>();
     };

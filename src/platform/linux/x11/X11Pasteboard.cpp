@@ -1,10 +1,18 @@
-#include "platform/linux/QtPasteboard.h"
+#include "platform/linux/x11/X11Pasteboard.h"
+
+#include "base/Log.h"
+#include "platform/linux/ClipboardContent.h"
+#include "platform/linux/x11/X11SelectionReader.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QMimeData>
 
-#include <memory>
+#include <chrono>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace {
 
@@ -12,9 +20,60 @@ namespace {
 /// which we have not heard yet; by the next one we have.
 constexpr int kTurns = 3;
 
+constexpr auto kPatienceWithOwner = 2s;
+constexpr auto kPatienceWithManager = 1s;
+
+constexpr char kClipboard[] = "CLIPBOARD";
+
+class X11ClipboardSource final : public ClipboardSource {
+public:
+    explicit X11ClipboardSource(std::unique_ptr<X11SelectionReader> reader)
+        : m_reader(std::move(reader))
+    {
+    }
+
+    QCoro::Task<std::optional<QStringList>> types() override
+    {
+        if (!m_reader->hasOwner(kClipboard))
+            co_return QStringList();
+        const auto answer = co_await m_reader->convert(kClipboard, "TARGETS", kPatienceWithOwner);
+        if (!answer)
+            co_return std::nullopt;
+        co_return m_reader->atomNames(answer->data);
+    }
+
+    QCoro::Task<std::optional<QByteArray>> data(QString type) override
+    {
+        const auto answer =
+            co_await m_reader->convert(kClipboard, type.toLatin1(), kPatienceWithOwner);
+        if (!answer)
+            co_return std::nullopt;
+        co_return answer->data;
+    }
+
+private:
+    std::unique_ptr<X11SelectionReader> m_reader;
+};
+
+/// Null if the application does not run on an X display.
+std::unique_ptr<X11SelectionReader> openReader()
+{
+    // Another display's clipboard, such as the one of X programs under Wayland, is not the user's.
+    return qGuiApp->nativeInterface<QNativeInterface::QX11Application>()
+        ? X11SelectionReader::open()
+        : nullptr;
+}
+
 } // namespace
 
-bool QtPasteboard::writeText(const QString &text)
+std::unique_ptr<PasteboardContent> X11Pasteboard::content()
+{
+    std::unique_ptr<X11SelectionReader> reader = openReader();
+    return std::make_unique<ClipboardContent>(
+        reader ? std::make_unique<X11ClipboardSource>(std::move(reader)) : nullptr);
+}
+
+bool X11Pasteboard::writeText(const QString &text)
 {
     QClipboard *const clipboard = QGuiApplication::clipboard();
     for (int turn = 0; turn < kTurns; ++turn) {
@@ -27,4 +86,21 @@ bool QtPasteboard::writeText(const QString &text)
             return true;
     }
     return false;
+}
+
+QCoro::Task<> X11Pasteboard::handOver()
+{
+    QClipboard *const clipboard = QGuiApplication::clipboard();
+    const std::unique_ptr<X11SelectionReader> reader =
+        clipboard->ownsClipboard() ? openReader() : nullptr;
+    if (!reader || !reader->hasOwner("CLIPBOARD_MANAGER"))
+        co_return;
+    const auto answer =
+        co_await reader->convert("CLIPBOARD_MANAGER", "SAVE_TARGETS", kPatienceWithManager);
+    if (answer)
+        co_return;
+    Log::line(u"⚠️ The clipboard manager does not answer, the clipboard is lost"_s);
+    // The toolkit would ask it once more when the application ends, and wait for five seconds.
+    if (clipboard->ownsClipboard())
+        clipboard->clear();
 }

@@ -2,9 +2,11 @@
 
 #include "platform/Pasteboard.h"
 
-/// The clipboard of an X11 display, through the toolkit. The application keeps the content and
-/// serves it to other programs as long as it runs.
-class QtPasteboard final : public Pasteboard {
+/// The clipboard of an X display. The toolkit keeps what is written and serves it to other programs
+/// as long as the application runs; what others have written is read without it.
+class X11Pasteboard final : public Pasteboard {
 public:
+    std::unique_ptr<PasteboardContent> content() override;
     bool writeText(const QString &text) override;
+    QCoro::Task<> handOver() override;
 };

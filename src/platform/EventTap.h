@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+
+/// The modifiers that are held while a key is pressed. The left and the right key of a kind are the
+/// same, and no other modifier counts.
+struct KeyModifierFlags {
+    bool command = false; ///< Super on a PC keyboard.
+    bool shift = false;
+    bool option = false; ///< Alt on a PC keyboard.
+    bool control = false;
+
+    bool operator==(const KeyModifierFlags &) const = default;
+};
+
+/// One press of a key.
+struct KeyPress {
+    std::int64_t keyCode = 0; ///< The key's position, as the code of keyCodeToChar().
+    KeyModifierFlags modifiers;
+
+    bool operator==(const KeyPress &) const = default;
+};
+
+/// Hears of key presses anywhere in the session, whatever program is in front. Hearing ends with
+/// the object. Main thread. Not available: none is made.
+class EventTap {
+public:
+    /// Called for every press that arrives, repeats of a held key included. Gives whether the press
+    /// is to be swallowed, where that is still open. Must be quick.
+    using OnKeyDown = std::function<bool(const KeyPress &)>;
+
+    /// Makes a tap that hears at least the press wanted, or no press at all where wanted is absent.
+    /// Presses that it was made for never reach the program in front. Null if the desktop refuses.
+    using Factory = std::function<std::unique_ptr<EventTap>(const std::optional<KeyPress> &wanted,
+                                                            OnKeyDown onKeyDown)>;
+
+    virtual ~EventTap() = default;
+    EventTap() = default;
+    EventTap(const EventTap &) = delete;
+    EventTap &operator=(const EventTap &) = delete;
+};
