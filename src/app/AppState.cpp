@@ -26,9 +26,11 @@ AppState::AppState(Platform &platform, UploadService::Environment environment, c
     , m_random(random)
     , m_lastUploadStatus(u"Ready"_s)
     , m_settings(UploadSettings::load())
+    , m_temporaryFolder(environment.temporaryFolder)
     , m_uploadService(stoppedBy(m_tasks.stopToken(), std::move(environment)))
 {
     setupNotifications();
+    setupGlobalHotkey();
     // A keyring that is unlocked later makes the settings valid, which the menu shows.
     m_platform.secrets->unlock([self = QPointer(this)] {
         if (self)
@@ -39,6 +41,7 @@ AppState::AppState(Platform &platform, UploadService::Environment environment, c
 AppState::~AppState()
 {
     Q_ASSERT(m_tasks.running() == 0);
+    cleanupEventTap();
     m_platform.notifications->setDelegate(nullptr);
 }
 

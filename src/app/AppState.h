@@ -10,11 +10,15 @@
 #include <QString>
 #include <QUrl>
 
+#include <map>
 #include <memory>
 
 class Clock;
 class ScreenshotMonitor;
+class EventTap;
 class SecureRandom;
+class TemporaryFile;
+struct KeyPress;
 struct Platform;
 
 /// The one long-lived object of the application: it owns the settings in force, starts and stops
@@ -44,6 +48,10 @@ public:
     void startMonitoring();
     void stopMonitoring();
 
+    /// Has the global shortcut of the settings heard from now on, instead of any other. Logs; where
+    /// the desktop refuses, everything else works.
+    void setupGlobalHotkey();
+
     /// Starts the upload of what the clipboard holds and returns at once.
     void uploadClipboard();
 
@@ -64,6 +72,19 @@ private:
     [[nodiscard]] QCoro::Task<> handleNewScreenshot(QUrl fileURL);
     [[nodiscard]] QCoro::Task<> uploadFile(QUrl fileURL, QString remoteFileName,
                                            QString displayName);
+
+    [[nodiscard]] QCoro::Task<> handleUploadClipboard();
+    [[nodiscard]] QCoro::Task<> uploadClipboardAddress(QUrl address);
+    [[nodiscard]] QCoro::Task<> uploadClipboardText(QString text);
+    [[nodiscard]] QCoro::Task<> uploadClipboardImage(QByteArray image);
+    /// The file of this second for the clipboard's content, shared with the uploads that began in
+    /// the same second, so that none of them takes it away from another.
+    std::shared_ptr<const TemporaryFile> clipboardFile(const QString &suffix,
+                                                       const QByteArray &contents);
+
+    void cleanupEventTap();
+    bool keyPressed(const KeyPress &press);
+
     void reportSuccess(const QString &url, const QString &displayName);
     void reportFailure(const QString &error);
     QString generateRemoteFilename(const QUrl &fileURL) const;
@@ -79,6 +100,9 @@ private:
     bool m_isMonitoring = false;
     QString m_lastUploadStatus;
     UploadSettings m_settings;
+    QString m_temporaryFolder;
     UploadService m_uploadService;
     std::unique_ptr<ScreenshotMonitor> m_screenshotMonitor;
+    std::unique_ptr<EventTap> m_eventTap;
+    std::map<QString, std::weak_ptr<TemporaryFile>> m_clipboardFiles; ///< By path.
 };
