@@ -23,6 +23,7 @@ from rig import ports
 from servers import Server
 
 PASSWORD = 'not {so} "simple" $ecret'
+TEXT = "Copied text: naïve, 日本, 🙂\r\nand its second line\n"
 
 
 class Steps:
@@ -106,6 +107,25 @@ def publish(step, desktop, program, base, pictures):
     return link
 
 
+def publish_text(step, desktop, program, base, pictures):
+    """From text on the clipboard, by the global shortcut, to the text behind the link."""
+    with step("text copied by another program"):
+        desktop.screen.set_clipboard(TEXT)
+    with step("the shortcut Super+Shift+U pressed"):
+        desktop.screen.key("super+shift+u")
+        program.wait_for_line("📋 Upload clipboard triggered")
+    with step("uploaded: “✅ Screenshot Uploaded” once more"):
+        desktop.notifications.wait_for("✅ Screenshot Uploaded", 30, count=2)
+        desktop.screen.still_picture(pictures / "4-text-notification.png")
+    with step("the link has taken the text's place"):
+        link = desktop.screen.clipboard()
+        if not (link.startswith(f"{base}/clipboard_") and link.endswith(".txt")):
+            raise AssertionError(f"the clipboard holds {link!r}")
+    with step("fetched over HTTP: the very text"):
+        expect(fetch(link).decode(), TEXT, "what the link gives")
+    return link
+
+
 def quit_program(desktop, program):
     """Chooses "Quit" and looks whether anything is left."""
     desktop.tray_item(program).click("Quit")
@@ -131,7 +151,8 @@ def run(path, pictures, here):
             with step("Tessery started, its icon is in the tray"):
                 program = desktop.start_program(path)
                 desktop.tray_item(program)
-            link = publish(step, desktop, program, base, pictures)
+            links = [publish(step, desktop, program, base, pictures),
+                     publish_text(step, desktop, program, base, pictures)]
             if here and sys.stdin.isatty():
                 input("  The desktop is still there to look at. Press Enter to end the demo. ")
             with step("Tessery quit by its menu, leaving nothing behind"):
@@ -142,7 +163,7 @@ def run(path, pictures, here):
             print("\nWhat Tessery said:", *program.output.all, *program.errors.all,
                   sep="\n  ", file=sys.stderr)
         return 1
-    print(f"\nThe link was {link}")
+    print("\nThe links were", " and ".join(links))
     print(f"Pictures of the desktop are in {pictures}/. "
           f"All in {time.monotonic() - step.begun:.1f} s.")
     return 0
