@@ -20,7 +20,7 @@ def measure(build, table):
         reader = desktop.start_program(build / "bench" / "ClipboardReader")
         reader.wait_for_line("ready")
         subjects.start_monitoring(desktop, program)
-        bare = BareTransfer(desktop.surroundings.base, server)
+        bare = BareTransfer(desktop, server)
         for number in range(TIMES + 1):
             arrival = _arrival(desktop, reader, f"Screenshot {number}.png") - _DELAYS
             # As long after the last work as the program's own curl.
@@ -46,7 +46,9 @@ def _arrival(desktop, reader, name):
 class BareTransfer:
     """Curl, called as the program calls it, by nobody but us."""
 
-    def __init__(self, folder, server):
+    def __init__(self, desktop, server):
+        folder = desktop.surroundings.base
+        self._environment = desktop.surroundings.program_environment()
         file = folder / "bare.png"
         file.write_bytes(_CONTENT)
         netrc = folder / "netrc"
@@ -60,7 +62,8 @@ class BareTransfer:
         """How long one transfer takes."""
         actions = [(os.POSIX_SPAWN_OPEN, stream, "/dev/null", os.O_RDWR, 0) for stream in range(3)]
         begun = time.monotonic()
-        pid = os.posix_spawn(self._command[0], self._command, os.environ, file_actions=actions)
+        pid = os.posix_spawn(self._command[0], self._command, self._environment,
+                             file_actions=actions)
         _, status = os.waitpid(pid, 0)
         if status != 0:
             raise RuntimeError(f"curl ended with {status}")
