@@ -83,7 +83,8 @@ QList<QUrl> ClipboardFormats::addresses(const QString &type, const QByteArray &d
 
 QString ClipboardFormats::textType(const QStringList &offered)
 {
-    const QString best = firstOffered({kUtf8Text, kUtf8String}, offered);
+    // GTK 3 gives what it calls text/plain the line ends of the Internet, whatever was copied.
+    const QString best = firstOffered({kUtf8String, kUtf8Text}, offered);
     if (!best.isEmpty())
         return best;
     for (const QString &type : offered) {

@@ -99,8 +99,10 @@ private Q_SLOTS:
         QTest::newRow("html only") << QStringList(u"text/html"_s) << QString();
         QTest::newRow("all") << QStringList({u"STRING"_s, u"text/plain"_s, u"UTF8_STRING"_s})
                              << u"UTF8_STRING"_s;
+        QTest::newRow("the one that nobody changes")
+            << QStringList({u"text/plain;charset=utf-8"_s, u"UTF8_STRING"_s}) << u"UTF8_STRING"_s;
         QTest::newRow("with charset, as spelt")
-            << QStringList({u"UTF8_STRING"_s, u"text/plain;charset=UTF-8"_s})
+            << QStringList({u"text/plain"_s, u"text/plain;charset=UTF-8"_s})
             << u"text/plain;charset=UTF-8"_s;
         QTest::newRow("another charset")
             << QStringList({u"text/plain"_s, u"text/plain;charset=utf-16"_s})

@@ -1,7 +1,5 @@
 #include "platform/linux/x11/X11Connection.h"
 
-#include <QPointer>
-
 #include <utility>
 
 std::unique_ptr<X11Connection> X11Connection::open()
@@ -73,13 +71,14 @@ void X11Connection::deliverSoon()
 void X11Connection::deliver()
 {
     m_isDeliverySoon = false;
-    const QPointer<QObject> alive(&m_context);
-    while (const XcbPointer<xcb_generic_event_t> event{xcb_poll_for_event(get())}) {
+    if (const XcbPointer<xcb_generic_event_t> event{xcb_poll_for_event(get())}) {
+        // One in each turn of the event loop, since to handle one may bring about the next: a large
+        // selection comes in many pieces, and whoever else waits for the loop has its turn too.
+        deliverSoon();
         // From a copy, since the handler may destroy this object.
         if (const OnEvent onEvent = m_onEvent)
             onEvent(*event);
-        if (!alive)
-            return;
+        return;
     }
     if (!isLost()) {
         flush();

@@ -2,6 +2,7 @@
 
 #include <QStringList>
 
+#include <algorithm>
 #include <cstring>
 #include <utility>
 #include <vector>
@@ -18,6 +19,17 @@ template <typename Event>
 const Event &as(const xcb_generic_event_t &event)
 {
     return *reinterpret_cast<const Event *>(&event);
+}
+
+/// What an owner says its pieces will come to at least, within reason; 0 if it does not say.
+/// Without room for them in advance, to grow with each piece costs long copying in the end.
+qsizetype announcedSize(const QByteArray &data)
+{
+    constexpr std::uint32_t kMost = 512 * 1024 * 1024;
+    std::uint32_t size = 0;
+    if (data.size() >= qsizetype{sizeof size})
+        std::memcpy(&size, data.constData(), sizeof size);
+    return std::min(size, kMost);
 }
 
 } // namespace
@@ -106,10 +118,12 @@ void X11SelectionReader::answered(const xcb_selection_notify_event_t &event)
         finish(Answer{});
         return;
     }
-    Answer answer = takeProperty();
+    Answer answer;
+    takeProperty(answer);
     if (answer.type == m_incr) {
         m_comesInPieces = true;
         m_answer = Answer{};
+        m_answer->data.reserve(announcedSize(answer.data));
         m_patience.start();
         return;
     }
@@ -120,28 +134,35 @@ void X11SelectionReader::propertyChanged(const xcb_property_notify_event_t &even
 {
     if (!m_comesInPieces || event.state != XCB_PROPERTY_NEW_VALUE || event.atom != m_property)
         return;
-    const Answer piece = takeProperty();
-    if (piece.data.isEmpty()) {
+    const qsizetype before = m_answer->data.size();
+    takeProperty(*m_answer);
+    if (m_answer->data.size() == before) {
         finish(std::exchange(m_answer, {}));
         return;
     }
-    m_answer->type = piece.type;
-    m_answer->data += piece.data;
     m_patience.start();
 }
 
-X11SelectionReader::Answer X11SelectionReader::takeProperty()
+void X11SelectionReader::takeProperty(Answer &answer)
 {
-    constexpr std::uint32_t kAll = 0x1fffffff; // In units of four bytes.
-    const auto reply =
-        m_connection->reply(xcb_get_property_reply,
-                            xcb_get_property(m_connection->get(), 1, m_window, m_property,
-                                             XCB_GET_PROPERTY_TYPE_ANY, 0, kAll));
-    if (!reply)
-        return {};
-    return {reply->type,
-            QByteArray(static_cast<const char *>(xcb_get_property_value(reply.get())),
-                       xcb_get_property_value_length(reply.get()))};
+    // A piece may be as large as a request may be, 16 megabytes. In slices it needs no such room in
+    // between, new for each. The last one takes the property away.
+    constexpr std::uint32_t kSlice = 64 * 1024; // In units of four bytes.
+    std::uint32_t offset = 0;
+    bool isLast = false;
+    while (!isLast) {
+        const auto reply =
+            m_connection->reply(xcb_get_property_reply,
+                                xcb_get_property(m_connection->get(), 1, m_window, m_property,
+                                                 XCB_GET_PROPERTY_TYPE_ANY, offset, kSlice));
+        if (!reply)
+            return;
+        answer.type = reply->type;
+        answer.data.append(static_cast<const char *>(xcb_get_property_value(reply.get())),
+                           xcb_get_property_value_length(reply.get()));
+        offset += kSlice;
+        isLast = reply->bytes_after == 0;
+    }
 }
 
 void X11SelectionReader::finish(std::optional<Answer> answer)

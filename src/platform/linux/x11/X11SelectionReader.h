@@ -40,8 +40,8 @@ private:
     void handle(const xcb_generic_event_t &event);
     void answered(const xcb_selection_notify_event_t &event);
     void propertyChanged(const xcb_property_notify_event_t &event);
-    /// Reads what the owner has put down and takes it away, which tells it to go on.
-    Answer takeProperty();
+    /// Adds to answer what the owner has put down and takes it away, which tells it to go on.
+    void takeProperty(Answer &answer);
     void finish(std::optional<Answer> answer);
 
     std::unique_ptr<X11Connection> m_connection;
