@@ -104,6 +104,15 @@ class ShortcutTest(ShortcutCase):
         self.assertEqual(self.window.keys().count((True, keys.U)), 5)
         self.assertNotIn(TRIGGERED, program.output.all)
 
+    def test_invalid_settings_are_told_and_the_clipboard_stays(self):
+        program = self.start_with(publicURLBase="")
+        self.desktop.screen.set_clipboard("private")
+        self.keys.tap(keys.U, *HELD)
+        error = self.desktop.notifications.wait_for("Upload Error")
+        self.assertEqual(error.body, "Please configure server settings first")
+        self.assertEqual(program.output.all[-2:], [TRIGGERED, "❌ Settings not valid"])
+        self.assertEqual(self.desktop.screen.clipboard(), "private")
+
     def test_another_shortcut(self):
         program = self.start_with(
             f"{REGISTERED}⌥⌃1", uploadClipboardShortcut={"key": "1", "modifiers": ["⌥", "⌃"]})

@@ -5,11 +5,13 @@ import subprocess
 
 from rig.household import Lines
 
-# ssh takes the home folder from the account, not from HOME. In a namespace the account is ours.
-_OWN_ACCOUNT = """
-mount --bind "$1" /etc/passwd; shift
+_WITHOUT_PRIVILEGES = """
+shift
 exec setpriv --inh-caps=-all --ambient-caps=-all --bounding-set=-all -- "$@"
 """
+# ssh takes the home folder from the account, not from HOME. In a namespace the account is ours.
+_OWN_ACCOUNT = 'mount --bind "$1" /etc/passwd'
+_SMALL_FOLDER = 'mount -t tmpfs -o size=64k,mode=700 tmpfs "$1"'
 
 
 def with_own_account(command, surroundings, uid, gid):
@@ -19,9 +21,19 @@ def with_own_account(command, surroundings, uid, gid):
               if line.split(":")[2] != str(uid)]
     own = f"tester:x:{uid}:{gid}::{surroundings.home}:/bin/sh"
     passwd.write_text("\n".join([own, *others]) + "\n")
+    return _in_namespace(_OWN_ACCOUNT, passwd, command, uid, gid)
+
+
+def with_small_folder(command, folder, uid, gid):
+    """The command that runs `command` where the folder takes 64 KB; nobody else sees it so."""
+    return _in_namespace(_SMALL_FOLDER, folder, command, uid, gid)
+
+
+def _in_namespace(mount, path, command, uid, gid):
+    """The command that runs `command` where something is mounted, with no more rights than ours."""
     return ["unshare", "--user", f"--map-user={uid}", f"--map-group={gid}", "--keep-caps",
             "--mount", "--propagation", "private",
-            "sh", "-ec", _OWN_ACCOUNT, "sh", str(passwd), *command]
+            "sh", "-ec", mount + _WITHOUT_PRIVILEGES, "sh", str(path), *command]
 
 
 class Program:
