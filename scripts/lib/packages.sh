@@ -4,7 +4,7 @@
 build_packages=(
   build-essential cmake ninja-build pkg-config
   qt6-base-dev libgl1-mesa-dev qt6-svg-dev qcoro-qt6-dev nlohmann-json3-dev
-  libpng-dev zlib1g-dev libsecret-1-dev libxcb1-dev x11proto-dev
+  libpng-dev zlib1g-dev libsecret-1-dev libxcb1-dev x11proto-dev libxkbcommon-x11-dev
 )
 run_packages=(
   qt6-qpa-plugins libqt6svg6 qt6-image-formats-plugins curl openssh-client expect

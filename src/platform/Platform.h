@@ -1,13 +1,17 @@
 #pragma once
 
+#include "platform/AppInfo.h"
 #include "platform/EventTap.h"
 #include "platform/FolderAccessPanel.h"
 #include "platform/FolderWatcher.h"
+#include "platform/KeyboardLayout.h"
+#include "platform/LoginItem.h"
 #include "platform/MenuBarExtra.h"
 #include "platform/Pasteboard.h"
 #include "platform/PreferencesStore.h"
 #include "platform/SecretStore.h"
 #include "platform/StandardFolders.h"
+#include "platform/SystemSettings.h"
 #include "platform/UserNotificationCenter.h"
 
 #include <functional>
@@ -22,6 +26,10 @@ struct Platform {
     std::unique_ptr<Pasteboard> pasteboard;
     std::unique_ptr<MenuBarExtra> menuBarExtra;
     std::unique_ptr<FolderAccessPanel> folderAccessPanel;
+    std::unique_ptr<KeyboardLayout> keyboardLayout;
+    std::unique_ptr<LoginItem> loginItem;
+    std::unique_ptr<SystemSettings> systemSettings;
+    std::unique_ptr<AppInfo> appInfo;
     std::function<std::unique_ptr<FolderWatcher>()> makeFolderWatcher;
     EventTap::Factory makeEventTap;
 

@@ -1,15 +1,19 @@
 #pragma once
 
 #include "platform/Platform.h"
+#include "support/FakeAppInfo.h"
 #include "support/FakeEventTap.h"
 #include "support/FakeFolderAccessPanel.h"
 #include "support/FakeFolderWatcher.h"
+#include "support/FakeKeyboardLayout.h"
+#include "support/FakeLoginItem.h"
 #include "support/FakeMenuBarExtra.h"
 #include "support/FakeNotificationCenter.h"
 #include "support/FakePasteboard.h"
 #include "support/FakePreferencesStore.h"
 #include "support/FakeSecretStore.h"
 #include "support/FakeStandardFolders.h"
+#include "support/FakeSystemSettings.h"
 
 /// A platform of fakes, in use as long as it lives.
 class FakePlatform : public Platform {
@@ -23,6 +27,10 @@ public:
         pasteboard = own(std::make_unique<FakePasteboard>(), fakePasteboard);
         menuBarExtra = own(std::make_unique<FakeMenuBarExtra>(), fakeMenuBarExtra);
         folderAccessPanel = own(std::make_unique<FakeFolderAccessPanel>(), fakeFolderAccessPanel);
+        keyboardLayout = own(std::make_unique<FakeKeyboardLayout>(), fakeKeyboardLayout);
+        loginItem = own(std::make_unique<FakeLoginItem>(), fakeLoginItem);
+        systemSettings = own(std::make_unique<FakeSystemSettings>(), fakeSystemSettings);
+        appInfo = own(std::make_unique<FakeAppInfo>(), fakeAppInfo);
         makeFolderWatcher = [this] {
             ++watchersMade;
             return own(std::make_unique<FakeFolderWatcher>(), fakeFolderWatcher);
@@ -41,6 +49,10 @@ public:
     FakePasteboard *fakePasteboard = nullptr;
     FakeMenuBarExtra *fakeMenuBarExtra = nullptr;
     FakeFolderAccessPanel *fakeFolderAccessPanel = nullptr;
+    FakeKeyboardLayout *fakeKeyboardLayout = nullptr;
+    FakeLoginItem *fakeLoginItem = nullptr;
+    FakeSystemSettings *fakeSystemSettings = nullptr;
+    FakeAppInfo *fakeAppInfo = nullptr;
     FakeFolderWatcher *fakeFolderWatcher = nullptr; ///< The latest; may be gone.
     int watchersMade = 0;
     FakeEventTaps fakeEventTaps;

@@ -66,7 +66,10 @@ TestSurroundings::~TestSurroundings()
 
 void TestSurroundings::failOnWarnings()
 {
-    QTest::failOnWarning(QRegularExpression(QStringLiteral(".*")));
+    // What the offscreen platform says of every window of a fixed or least size is no fault of
+    // ours.
+    QTest::failOnWarning(QRegularExpression(
+        QStringLiteral("^(?!This plugin does not support propagateSizeHints\\(\\)$)")));
 }
 
 void TestSurroundings::noteStart()
