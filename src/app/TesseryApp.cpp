@@ -8,11 +8,8 @@
 #include <QApplication>
 
 TesseryApp::TesseryApp(Platform &platform)
-    : m_pasteboard(*platform.pasteboard)
-    , m_appState(
-          platform,
-          {.homeFolder = platform.folders->home(), .temporaryFolder = m_temporaryFolder.path()},
-          Clock::system(), SecureRandom::system())
+    : m_platform(platform)
+    , m_appState(platform, environment(), Clock::system(), SecureRandom::system())
     , m_menuBarView(m_appState, *platform.menuBarExtra,
                     {.openSettings = [this] { openSettings(); },
                      .quit =
@@ -24,6 +21,11 @@ TesseryApp::TesseryApp(Platform &platform)
 }
 
 TesseryApp::~TesseryApp() = default;
+
+UploadService::Environment TesseryApp::environment() const
+{
+    return {.homeFolder = m_platform.folders->home(), .temporaryFolder = m_temporaryFolder.path()};
+}
 
 int TesseryApp::run()
 {
@@ -41,15 +43,22 @@ int TesseryApp::run()
 QCoro::Task<> TesseryApp::windUp(bool *isDone)
 {
     co_await m_appState.tasks().drained();
-    co_await m_pasteboard.handOver();
+    co_await m_platform.pasteboard->handOver();
     *isDone = true;
     QCoreApplication::quit();
 }
 
 void TesseryApp::openSettings()
 {
-    if (!m_settingsView)
-        m_settingsView = std::make_unique<SettingsView>();
+    if (!m_settingsView) {
+        m_settingsView = std::make_unique<SettingsView>(
+            m_appState,
+            SettingsView::Services{m_platform, environment(), Clock::system(),
+                                   SecureRandom::system()});
+        // Given back as soon as it has done with its own event: closed, it costs nothing.
+        QObject::connect(m_settingsView.get(), &SettingsView::closed, m_settingsView.get(),
+                         [this] { m_settingsView.release()->deleteLater(); });
+    }
     m_settingsView->show();
     m_settingsView->raise();
     m_settingsView->activateWindow();

@@ -6,7 +6,6 @@
 
 #include <memory>
 
-class Pasteboard;
 class SettingsView;
 
 /// The application: it holds the state and shows it as the tray menu and the settings window. Main
@@ -26,10 +25,11 @@ public:
 
 private:
     void openSettings();
+    UploadService::Environment environment() const;
     /// Waits for what is under way and gives the clipboard's content away.
     [[nodiscard]] QCoro::Task<> windUp(bool *isDone);
 
-    Pasteboard &m_pasteboard;
+    Platform &m_platform;
     TemporaryFolder m_temporaryFolder;
     AppState m_appState;
     MenuBarView m_menuBarView;

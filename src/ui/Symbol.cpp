@@ -3,6 +3,7 @@
 #include <QFile>
 #include <QIconEngine>
 #include <QPainter>
+#include <QPixmapCache>
 #include <QSvgRenderer>
 
 #include <map>
@@ -17,6 +18,25 @@ static void initResources()
 }
 
 namespace {
+
+/// The drawing in file, size pixels large, in one colour if color is valid.
+QImage drawn(const QString &file, const QSize &size, const QColor &color)
+{
+    QImage image(size, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    QSvgRenderer(file).render(&painter, QRectF(QPointF(), QSizeF(size)));
+    if (color.isValid()) {
+        painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
+        painter.fillRect(image.rect(), color);
+    }
+    return image;
+}
+
+QString fileOf(const QString &name)
+{
+    return u":/symbols/"_s + name + u".svg"_s;
+}
 
 QColor colorOf(Symbol::Tint tint)
 {
@@ -44,16 +64,7 @@ public:
 
     QPixmap pixmap(const QSize &size, QIcon::Mode, QIcon::State) override
     {
-        QImage image(size, QImage::Format_ARGB32_Premultiplied);
-        image.fill(Qt::transparent);
-        QPainter painter(&image);
-        QSvgRenderer(m_file).render(&painter, QRectF(QPointF(), QSizeF(size)));
-        if (m_tint) {
-            painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
-            painter.fillRect(image.rect(), colorOf(*m_tint));
-        }
-        painter.end();
-        return QPixmap::fromImage(std::move(image));
+        return QPixmap::fromImage(drawn(m_file, size, m_tint ? colorOf(*m_tint) : QColor()));
     }
 
     QList<QSize> availableSizes(QIcon::Mode, QIcon::State) override
@@ -78,11 +89,29 @@ QIcon Symbol::icon(const QString &name, Tint tint)
     static std::map<std::pair<QString, Tint>, QIcon> icons;
     QIcon &icon = icons[{name, tint}];
     if (icon.isNull()) {
-        const QString file = u":/symbols/"_s + name + u".svg"_s;
+        const QString file = fileOf(name);
         if (QFile::exists(file))
             icon = QIcon(new SymbolIconEngine(file, tint));
     }
     return icon;
+}
+
+void Symbol::draw(QPainter &painter, const QString &name, const QRectF &rect, const QColor &color)
+{
+    initResources();
+    const double scale = painter.device()->devicePixelRatioF();
+    const QSize size = (rect.size() * scale).toSize();
+    const QString key =
+        u"symbol %1 %2 %3"_s.arg(name, color.name(QColor::HexArgb)).arg(size.width());
+    QPixmap pixmap;
+    if (!QPixmapCache::find(key, &pixmap)) {
+        if (!QFile::exists(fileOf(name)))
+            return;
+        pixmap = QPixmap::fromImage(drawn(fileOf(name), size, color));
+        pixmap.setDevicePixelRatio(scale);
+        QPixmapCache::insert(key, pixmap);
+    }
+    painter.drawPixmap(rect.topLeft(), pixmap);
 }
 
 QIcon Symbol::menuBarIcon()
