@@ -19,6 +19,9 @@ public:
     /// the store does not answer within two seconds. Never prompts.
     virtual std::optional<QByteArray> read(const QString &service, const QString &account) = 0;
 
+    /// Whether the latest read() gave nothing because the store is locked or does not answer.
+    virtual bool isLocked() const = 0;
+
     /// Stores secret, replacing any earlier one. True when it is stored. Never prompts before it
     /// returns: where the user must be asked first, it gives false and asks in the background.
     virtual bool write(const QString &service, const QString &account,

@@ -35,3 +35,8 @@ std::optional<QString> KeychainHelper::loadPassword()
         return std::nullopt;
     return password;
 }
+
+bool KeychainHelper::isLocked()
+{
+    return Platform::current().secrets->isLocked();
+}

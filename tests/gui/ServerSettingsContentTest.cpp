@@ -298,6 +298,20 @@ private Q_SLOTS:
         QCOMPARE(field->text(), u"ses12ame"_s);
     }
 
+    void lockedKeyringShowsInTheFieldUntilItIsUnlocked()
+    {
+        m_window->storePassword("sesame");
+        m_window->platform.fakeSecrets->isShut = true;
+        m_window->open();
+        auto *const field = m_window->find<QLineEdit>(u"password"_s);
+        QVERIFY(field->toolTip().contains(u"locked"_s));
+        QCOMPARE(field->accessibleDescription(), field->toolTip());
+        m_window->platform.fakeSecrets->isShut = false;
+        m_window->platform.fakeSecrets->onChanged();
+        QTRY_COMPARE(field->text(), u"sesame"_s);
+        QVERIFY(field->toolTip().isEmpty());
+    }
+
     void refusedPasswordShowsInTheField()
     {
         m_window->platform.fakeSecrets->isWritable = false;

@@ -125,6 +125,7 @@ private Q_SLOTS:
         QVERIFY(outputOf(u"secret-tool"_s, QStringList{u"store"_s, u"--label=Mine"_s} + kAttributes,
                          "from outside"));
         QCOMPARE(m_store->read(kService, kAccount), std::optional<QByteArray>("from outside"));
+        QVERIFY(!m_store->isLocked());
         QVERIFY(m_store->write(kService, kAccount, "ours"));
         QCOMPARE(outputOf(u"secret-tool"_s, QStringList{u"lookup"_s} + kAttributes),
                  std::optional<QByteArray>("ours"));
@@ -139,6 +140,7 @@ private Q_SLOTS:
         time.start();
         QCOMPARE(m_store->read(kService, kAccount), std::nullopt);
         QVERIFY2(time.elapsed() < 1000, qPrintable(QString::number(time.elapsed())));
+        QVERIFY(m_store->isLocked());
         QTest::qWait(500); // Nothing may happen.
         QVERIFY(!m_keyring->hasPrompted());
     }

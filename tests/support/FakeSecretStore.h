@@ -11,9 +11,12 @@ public:
     std::optional<QByteArray> read(const QString &service, const QString &account) override
     {
         ++reads;
+        if (isShut)
+            return std::nullopt;
         const auto found = items.find({service, account});
         return found == items.end() ? std::nullopt : std::optional(found->second);
     }
+    bool isLocked() const override { return isShut; }
     bool write(const QString &service, const QString &account, const QByteArray &secret) override
     {
         if (isWritable)
@@ -27,6 +30,7 @@ public:
     }
 
     std::map<std::pair<QString, QString>, QByteArray> items; ///< By service and account.
+    bool isShut = false; ///< Nothing can be read.
     bool isWritable = true;
     int reads = 0;
     int unlocksAsked = 0;

@@ -7,6 +7,7 @@
 class FileSecretStore final : public SecretStore {
 public:
     std::optional<QByteArray> read(const QString &service, const QString &account) override;
+    bool isLocked() const override { return false; }
     bool write(const QString &service, const QString &account, const QByteArray &secret) override;
     void unlock(std::function<void()> onChanged) override;
 

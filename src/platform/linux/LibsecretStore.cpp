@@ -18,10 +18,14 @@ LibsecretStore::~LibsecretStore() = default;
 
 std::optional<QByteArray> LibsecretStore::read(const QString &service, const QString &account)
 {
+    using Status = SecretServiceClient::Status;
     SecretServiceClient::Answer answer = client().read(service, account);
-    if (answer.status == SecretServiceClient::Status::NoService)
+    if (answer.status == Status::NoService)
         tellOfFallback(service, account);
-    return answer.secret ? std::move(answer.secret) : m_fallback->read(service, account);
+    std::optional<QByteArray> secret =
+        answer.secret ? std::move(answer.secret) : m_fallback->read(service, account);
+    m_isLocked = !secret && (answer.status == Status::NotUsable || answer.status == Status::Failed);
+    return secret;
 }
 
 bool LibsecretStore::write(const QString &service, const QString &account, const QByteArray &secret)

@@ -18,6 +18,7 @@ public:
     ~LibsecretStore() override;
 
     std::optional<QByteArray> read(const QString &service, const QString &account) override;
+    bool isLocked() const override { return m_isLocked; }
     bool write(const QString &service, const QString &account, const QByteArray &secret) override;
     void unlock(std::function<void()> onChanged) override;
 
@@ -37,5 +38,6 @@ private:
     std::unique_ptr<SecretServiceClient> m_client;
     std::unique_ptr<DefaultKeyring> m_keyring;
     std::optional<Item> m_waiting; ///< To be stored once the user has unlocked the keyring.
+    bool m_isLocked = false;
     bool m_toldOfFallback = false;
 };

@@ -160,6 +160,8 @@ public:
         m_status = *error.out() ? error.status() : Status::Done;
         GLibPointer<SecretValue> value(
             items ? secret_item_get_secret(static_cast<SecretItem *>(items->data)) : nullptr);
+        if (items && !value)
+            m_status = Status::NotUsable;
         g_list_free_full(items, g_object_unref);
         return value;
     }

@@ -13,7 +13,7 @@ class SecretServiceClient {
 public:
     enum class Status {
         Done,
-        NotUsable, ///< The default collection is locked, or there is none.
+        NotUsable, ///< The item, or the default collection, is locked; or there is no collection.
         Failed, ///< The service refused, or did not answer in time.
         NoService, ///< There is none, and none can be started.
     };

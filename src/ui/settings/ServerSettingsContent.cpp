@@ -189,8 +189,12 @@ void ServerSettingsContent::render()
 void ServerSettingsContent::renderPassword()
 {
     m_passwordField->setText(m_password.text());
-    m_passwordField->setError(m_password.isRefused()
-                                  ? u"The password could not be stored. Unlock your keyring, "
-                                    "and it is stored then."_s
-                                  : QString());
+    if (m_password.isRefused())
+        m_passwordField->setError(u"The password could not be stored. Unlock your keyring, and it "
+                                  "is stored then."_s);
+    else if (m_password.isLocked())
+        m_passwordField->setError(u"Your keyring is locked or does not answer. Unlock it, and the "
+                                  "password shows."_s);
+    else
+        m_passwordField->setError(QString());
 }

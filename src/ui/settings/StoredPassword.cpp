@@ -2,6 +2,8 @@
 
 #include "settings/KeychainHelper.h"
 
+#include <utility>
+
 StoredPassword::StoredPassword()
 {
     m_gathering.setSingleShot(true);
@@ -41,8 +43,10 @@ bool StoredPassword::flush()
     const bool stored = KeychainHelper::savePassword(m_text);
     m_wasRefused = !stored;
     m_state = stored ? State::Stored : State::Refused;
-    if (stored)
+    if (stored) {
         m_inKeychain = m_text;
+        m_isLocked = false;
+    }
     Q_EMIT changed();
     return stored;
 }
@@ -53,13 +57,14 @@ void StoredPassword::refresh()
         return;
     const std::optional<QString> found = KeychainHelper::loadPassword();
     const QString inKeychain = found.value_or(QString());
+    const bool wasLocked = std::exchange(m_isLocked, !found && KeychainHelper::isLocked());
     if (m_state == State::Refused && found && inKeychain != m_text) {
         // It answers again, but what it holds is older than what was typed.
         m_inKeychain = inKeychain;
         flush();
         return;
     }
-    if (inKeychain == m_inKeychain && m_state == State::Stored)
+    if (inKeychain == m_inKeychain && m_state == State::Stored && m_isLocked == wasLocked)
         return;
     m_inKeychain = inKeychain;
     if (m_state == State::Stored) {

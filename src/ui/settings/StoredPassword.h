@@ -33,6 +33,9 @@ public:
     /// Whether the keychain has refused to store the text.
     bool isRefused() const { return m_state == State::Refused; }
 
+    /// Whether the keychain could not be read, so that a password may be there that is not shown.
+    bool isLocked() const { return m_isLocked; }
+
     /// Has text stored within the gathering time, or in the next pause after a refusal.
     void setText(const QString &text);
 
@@ -52,6 +55,7 @@ private:
     QString m_text;
     QString m_inKeychain;
     State m_state = State::Stored;
+    bool m_isLocked = false;
     bool m_wasRefused = false; ///< The last time that storing was tried.
     QTimer m_gathering;
 };

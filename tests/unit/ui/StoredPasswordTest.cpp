@@ -213,6 +213,40 @@ private Q_SLOTS:
         QVERIFY(!password.isRefused());
     }
 
+    void lockedKeyringIsToldUntilItCanBeRead()
+    {
+        store("sesame");
+        m_platform->fakeSecrets->isShut = true;
+        StoredPassword password;
+        const QSignalSpy changes(&password, &StoredPassword::changed);
+        password.refresh();
+        QVERIFY(password.isLocked());
+        QVERIFY(!password.isFilledIn());
+        QCOMPARE(changes.size(), 1);
+        m_platform->fakeSecrets->isShut = false;
+        password.refresh();
+        QVERIFY(!password.isLocked());
+        QCOMPARE(password.text(), u"sesame"_s);
+        QCOMPARE(changes.size(), 2);
+    }
+
+    void passwordThatIsNotThereIsNotLocked()
+    {
+        StoredPassword password;
+        password.refresh();
+        QVERIFY(!password.isLocked());
+    }
+
+    void storingEndsTheLock()
+    {
+        m_platform->fakeSecrets->isShut = true;
+        StoredPassword password;
+        password.refresh();
+        password.setText(u"new"_s);
+        QVERIFY(password.flush());
+        QVERIFY(!password.isLocked());
+    }
+
     void refreshOfALockedKeyringKeepsTheRefusedText()
     {
         m_platform->fakeSecrets->isWritable = false;
