@@ -201,8 +201,9 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("path");
         QTest::newRow("odd characters")
             << QUrl::fromLocalFile(u"/tmp/ä %41#?.png"_s) << QByteArray("/tmp/ä %41#?.png");
-        QTest::newRow("web address")
-            << QUrl(u"https://example.org/a%20b.png"_s) << QByteArray("/a b.png");
+        // Whole, since a file of ours may have the same path.
+        QTest::newRow("web address") << QUrl(u"https://example.org/a%20b.png"_s)
+                                     << QByteArray("https://example.org/a%20b.png");
     }
     void addressesOfFiles()
     {
