@@ -22,25 +22,27 @@ def measure(build, table):
             subjects.start_monitoring(desktop, programs[1])
             time.sleep(begun + SETTLED - time.monotonic())
             for which, program in enumerate(programs):
-                kilobytes = _rollup(program.pid)
+                kilobytes = rollup(program.pid)
                 for key, values in memory.items():
                     values[which].append(kilobytes[key] / 1024)
-            activity.append(_activity_of(programs))
+            activity.append(activity_of(programs))
     table.ratio("RSS after 40 s", "MB", *memory["Rss"], 1.15)
     table.ratio("private dirty after 40 s", "MB", *memory["Private_Dirty"], 1.4)
-    _still(table, "context switches in 60 s at rest", "", [[round_[which][0] for round_ in activity]
-                                                          for which in (0, 1)])
-    _still(table, "processor time in 60 s at rest", " ms", [[round_[which][1] for round_ in activity]
-                                                           for which in (0, 1)])
+    still(table, "context switches in 60 s at rest", "",
+          [[round_[which][0] for round_ in activity] for which in (0, 1)])
+    still(table, "processor time in 60 s at rest", " ms",
+          [[round_[which][1] for round_ in activity] for which in (0, 1)])
 
 
-def _rollup(pid):
+def rollup(pid):
+    """What the kernel tells of the memory of a process, in kilobytes."""
     with open(f"/proc/{pid}/smaps_rollup", encoding="ascii") as file:
         next(file)
         return {key: int(rest.split()[0]) for key, _, rest in (line.partition(":") for line in file)}
 
 
-def _activity_of(programs):
+def activity_of(programs):
+    """Context switches and milliseconds of processor time of each program in a while."""
     activities = [subjects.Activity(program.pid) for program in programs]
     end = time.monotonic() + WATCHED
     while time.monotonic() < end:
@@ -50,7 +52,8 @@ def _activity_of(programs):
     return [activity.totals() for activity in activities]
 
 
-def _still(table, name, unit, both):
+def still(table, name, unit, both):
+    """A line for what is to be nothing at all."""
     floor, subject = (f"{statistics.median(values):g}{unit}" for values in both)
     text = f"{subject} ({min(both[1]):g} to {max(both[1]):g})"
     table.row(name, floor, subject, text, "0", max(both[1]) == 0)

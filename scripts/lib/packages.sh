@@ -21,6 +21,7 @@ test_packages=(
   dbus-x11 python3-dbus python3-dbusmock python3-pyftpdlib
   openssl trayer x11-xkb-utils strace libxcb-xtest0-dev xserver-xephyr
   gir1.2-gtk-3.0 python3-xlib pcmanfm-qt thunar xfce4-settings xfconf
+  at-spi2-core dex
 )
 
 # Installs those of the packages that are missing; asks the package manager only if some are.

@@ -19,6 +19,7 @@ sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent))
 
 # pylint: disable=wrong-import-position
 from rig import processes, settings_file, tray
+from rig.accessibility import Accessibility
 from rig.bus import Bus
 from rig.household import Household
 from rig.keyring import Keyring
@@ -52,17 +53,19 @@ class Desktop:
     notifications  whether a notification daemon runs
     keyring        "unlocked", "locked", or None: no secret service at all
     activation     whether the bus starts missing services by itself, as on a person's machine
+    accessibility  whether there is a bus for screen readers, and programs talk to them
     size           of the screen
     environment    further variables for the desktop and the programs in it
     window_on      the environment of a display on which the desktop is to be seen in a window
     """
 
     def __init__(self, tray="statusnotifier", notifications=True, keyring="unlocked",
-                 activation=False, size="1280x800", environment=None, window_on=None):
+                 activation=False, accessibility=False, size="1280x800", environment=None, window_on=None):
         self._tray_kind = tray
         self._wants_notifications = notifications
         self._wants_keyring = keyring
         self._activation = activation
+        self._wants_accessibility = accessibility
         self._size = size
         self._window_on = window_on
         self._tray_process = None
@@ -71,7 +74,7 @@ class Desktop:
         self.surroundings.environment.update(environment or {})
         self.household = Household(self.surroundings.environment,
                                    self.surroundings.base / "desktop.log")
-        self.bus = self.screen = self.keyring = self.notifications = None
+        self.bus = self.screen = self.keyring = self.notifications = self.accessibility = None
 
     def __enter__(self):
         try:
@@ -89,6 +92,9 @@ class Desktop:
         self.bus = Bus(self.household, self.surroundings, self._activation)
         self.household.environment["DBUS_SESSION_BUS_ADDRESS"] = self.bus.address
         self.screen = Screen(self.household, self._size, self._window_on)
+        if self._wants_accessibility:
+            # Before the other programs, which would have the bus start parts of it.
+            self.accessibility = Accessibility(self.household, self.bus)
         self.notifications = Notifications(self.bus.address)
         self.screen.start_window_manager()
         if self._tray_kind:
@@ -109,6 +115,8 @@ class Desktop:
 
     def close(self):
         """Ends every process and removes every file."""
+        if self.accessibility:
+            self.accessibility.close()
         if self.notifications:
             self.notifications.close()
         if self.bus:

@@ -50,7 +50,11 @@ bool LibsecretStore::write(const QString &service, const QString &account, const
 
 void LibsecretStore::unlock(std::function<void()> onChanged)
 {
-    keyring().watch(std::move(onChanged));
+    keyring().watch([this, onChanged = std::move(onChanged)] {
+        // It may have been unlocked by somebody else.
+        storeWaiting();
+        onChanged();
+    });
     // Something may be waiting to be stored since before this was called.
     keyring().ask(DefaultKeyring::IfMissing::Leave, [this] { storeWaiting(); });
 }
@@ -71,11 +75,18 @@ DefaultKeyring &LibsecretStore::keyring()
 
 void LibsecretStore::storeWaiting()
 {
-    const std::optional<Item> item = std::exchange(m_waiting, std::nullopt);
-    if (item
-        && client().write(item->service, item->account, item->secret)
-            == SecretServiceClient::Status::Done)
-        m_fallback->remove(item->service, item->account);
+    if (!m_waiting)
+        return;
+    switch (client().write(m_waiting->service, m_waiting->account, m_waiting->secret)) {
+    case SecretServiceClient::Status::Done:
+        m_fallback->remove(m_waiting->service, m_waiting->account);
+        m_waiting.reset();
+        break;
+    case SecretServiceClient::Status::NotUsable:
+    case SecretServiceClient::Status::Failed:
+    case SecretServiceClient::Status::NoService:
+        break; // It waits for the next change.
+    }
 }
 
 void LibsecretStore::tellOfFallback(const QString &service, const QString &account)

@@ -33,7 +33,8 @@ void CharacterToggle::paintEvent(QPaintEvent *)
         fill = SettingsTheme::color(Tint::Text, palette());
         fill.setAlphaF(isDown() ? 0.12F : underMouse() ? 0.06F : 0);
     }
-    SettingsTheme::drawPlate(painter, rect(), 6, fill, SettingsTheme::borderColor(palette()));
+    SettingsTheme::drawPlate(painter, rect(), 6, fill,
+                             isChecked() ? fill : SettingsTheme::borderColor(palette()));
     if (SettingsTheme::showsFocus(*this) && isChecked())
         SettingsTheme::drawPlate(painter, QRectF(rect()).adjusted(2, 2, -2, -2), 4, Qt::transparent,
                                  Qt::white, 1.5);

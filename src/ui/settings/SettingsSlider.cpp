@@ -11,6 +11,7 @@ namespace {
 
 constexpr double kGrooveHeight = 4;
 constexpr double kHandleSize = 16;
+constexpr int kHeight = 20;
 
 } // namespace
 
@@ -21,15 +22,16 @@ SettingsSlider::SettingsSlider(int minimum, int maximum, QWidget *parent)
     setSingleStep(1);
     setPageStep(4);
     setAttribute(Qt::WA_Hover);
+    setFixedHeight(kHeight); // The style's own handle is smaller.
 }
 
 void SettingsSlider::paintEvent(QPaintEvent *)
 {
     QStyleOptionSlider option;
     initStyleOption(&option);
-    const QPointF middle =
-        QRectF(style()->subControlRect(QStyle::CC_Slider, &option, QStyle::SC_SliderHandle, this))
-            .center();
+    const QRectF styleHandle(
+        style()->subControlRect(QStyle::CC_Slider, &option, QStyle::SC_SliderHandle, this));
+    const QPointF middle(styleHandle.center().x(), height() / 2.0);
     QPainter painter(this);
     const QColor accent = SettingsTheme::accent(palette());
     const QRectF groove(2, middle.y() - kGrooveHeight / 2, width() - 4, kGrooveHeight);

@@ -1,6 +1,7 @@
 #include "ui/settings/SettingsView.h"
 
 #include "app/AppState.h"
+#include "ui/settings/ActionButton.h"
 
 #include <QFile>
 #include <QUrl>
@@ -32,6 +33,8 @@ void SettingsView::startTest()
     m_password.flush();
     if (!isValid())
         return;
+    // Once disabled, the button would hand the keyboard on to "Save", which a second press saved.
+    m_testButton->clearFocus();
     m_isTesting = true;
     m_testResult = u"Testing..."_s;
     render();
@@ -69,4 +72,6 @@ void SettingsView::finishTest(bool succeeded)
     m_testResult.clear();
     setSaveMessage(succeeded ? u"Connection OK!"_s : u"Connection failed"_s);
     clearSaveMessageAfter(m_services.testMessageTime);
+    if (!focusWidget() && m_testButton->isVisible())
+        m_testButton->setFocus(Qt::OtherFocusReason);
 }

@@ -44,6 +44,10 @@ class Keyring:
         """Lets the service hang."""
         self._process.send_signal(signal.SIGSTOP)
 
+    def resume(self):
+        """Lets the service go on."""
+        self._process.send_signal(signal.SIGCONT)
+
     def lock(self):
         """Locks the collection."""
         self._bus.call(NAME, PATH, SERVICE, "Lock", "(ao)", [LOGIN])
