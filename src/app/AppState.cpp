@@ -65,7 +65,5 @@ void AppState::setIsMonitoring(bool isMonitoring)
 
 QString AppState::generateRemoteFilename(const QUrl &fileURL) const
 {
-    const QString name = generateFilename(m_settings.filenameStyle, fileURL,
-                                          m_settings.randomFilenameConfig, m_clock, m_random);
-    return m_settings.addDateToFilename ? addDate(name, m_clock) : name;
+    return remoteFilename(m_settings, fileURL, m_clock, m_random);
 }

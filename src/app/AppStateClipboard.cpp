@@ -9,17 +9,9 @@
 #include "monitor/LoggedName.h"
 #include "platform/Platform.h"
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
-
-namespace {
-
-/// A file name as the log shows it.
-QString loggedName(const QString &fileName)
-{
-    return QString::fromUtf8(LoggedName::of(fileName.toStdString()));
-}
-
-} // namespace
 
 void AppState::uploadClipboard()
 {
@@ -35,21 +27,25 @@ QCoro::Task<> AppState::handleUploadClipboard()
         co_return;
     }
 
-    // A list of files also reports text, and a picture of its icon: the order decides.
-    const std::unique_ptr<PasteboardContent> content = m_platform.pasteboard->content();
+    // A list of files also reports text, and a picture of its icon: the order decides. What was
+    // read, and the way to it, is given back before the upload, which may take long.
+    std::unique_ptr<PasteboardContent> content = m_platform.pasteboard->content();
     const QList<QUrl> addresses = co_await content->addresses();
     if (!addresses.isEmpty()) {
+        content.reset();
         co_await uploadClipboardAddress(addresses.constFirst());
         co_return;
     }
-    const QString text = co_await content->text();
+    QString text = co_await content->text();
     if (!text.isEmpty()) {
-        co_await uploadClipboardText(text);
+        content.reset();
+        co_await uploadClipboardText(std::move(text));
         co_return;
     }
-    const std::optional<QByteArray> image = co_await content->image();
+    std::optional<QByteArray> image = co_await content->image();
+    content.reset();
     if (image) {
-        co_await uploadClipboardImage(*image);
+        co_await uploadClipboardImage(std::move(*image));
         co_return;
     }
     sendNotification(u"❌ Clipboard Empty"_s, u"No file, text, or image found in clipboard"_s,
@@ -59,7 +55,7 @@ QCoro::Task<> AppState::handleUploadClipboard()
 QCoro::Task<> AppState::uploadClipboardAddress(QUrl address)
 {
     const QString fileName = FileName::lastPathComponent(FileName::pathOf(address));
-    Log::line(u"📋 Found file URL in clipboard: "_s + loggedName(fileName));
+    Log::line(u"📋 Found file URL in clipboard: "_s + LoggedName::of(fileName));
     const QString remoteName = generateRemoteFilename(address);
     setLastUploadStatus(u"📤 Uploading "_s + fileName + u" from clipboard..."_s);
     sendNotification(u"Uploading from Clipboard"_s, fileName, false);
@@ -72,6 +68,7 @@ QCoro::Task<> AppState::uploadClipboardText(QString text)
     std::shared_ptr<const TemporaryFile> file;
     try {
         file = clipboardFile(u".txt"_s, text.toUtf8());
+        text.clear();
     } catch (const SystemError &error) {
         sendNotification(u"❌ Upload Failed"_s,
                          u"Could not create temp file: "_s + error.description(), true);
@@ -87,7 +84,7 @@ QCoro::Task<> AppState::uploadClipboardText(QString text)
 QCoro::Task<> AppState::uploadClipboardImage(QByteArray image)
 {
     Log::line(u"📋 Found image in clipboard, creating PNG file"_s);
-    const std::optional<QByteArray> png = co_await ClipboardImage::pngData(image);
+    std::optional<QByteArray> png = co_await ClipboardImage::pngData(std::move(image));
     if (!png) {
         sendNotification(u"❌ Upload Failed"_s, u"Could not convert clipboard image to PNG"_s,
                          true);
@@ -96,6 +93,7 @@ QCoro::Task<> AppState::uploadClipboardImage(QByteArray image)
     std::shared_ptr<const TemporaryFile> file;
     try {
         file = clipboardFile(u".png"_s, *png);
+        png.reset();
     } catch (const SystemError &error) {
         sendNotification(u"❌ Upload Failed"_s,
                          u"Could not save clipboard image: "_s + error.description(), true);

@@ -15,16 +15,6 @@
 
 using namespace Qt::StringLiterals;
 
-namespace {
-
-QString loggedName(const QUrl &fileURL)
-{
-    return QString::fromUtf8(
-        LoggedName::of(FileName::lastPathComponent(fileURL.toLocalFile()).toStdString()));
-}
-
-} // namespace
-
 void AppState::startMonitoring()
 {
     if (m_isMonitoring) {
@@ -74,14 +64,15 @@ void AppState::requestDesktopAccess()
 
 void AppState::screenshotArrived(const QUrl &fileURL)
 {
-    Log::line(u"📸 Screenshot callback received for: "_s + loggedName(fileURL));
+    Log::line(u"📸 Screenshot callback received for: "_s
+              + LoggedName::of(FileName::lastPathComponent(fileURL.toLocalFile())));
     m_tasks.start(handleNewScreenshot(fileURL));
 }
 
 QCoro::Task<> AppState::handleNewScreenshot(QUrl fileURL)
 {
     const QString fileName = FileName::lastPathComponent(FileName::pathOf(fileURL));
-    Log::line(u"🎯 handleNewScreenshot called for: "_s + loggedName(fileURL));
+    Log::line(u"🎯 handleNewScreenshot called for: "_s + LoggedName::of(fileName));
     if (!m_settings.isValid()) {
         Log::line(u"❌ Settings not valid"_s);
         setLastUploadStatus(u"Error: Settings not configured"_s);

@@ -44,6 +44,7 @@ QCoro::Task<> TesseryApp::windUp(bool *isDone)
 {
     co_await m_appState.tasks().drained();
     co_await m_platform.pasteboard->handOver();
+    co_await m_appState.tasks().drained(); // What has begun meanwhile has been told to end, too.
     *isDone = true;
     QCoreApplication::quit();
 }
@@ -59,6 +60,7 @@ void TesseryApp::openSettings()
         QObject::connect(m_settingsView.get(), &SettingsView::closed, m_settingsView.get(),
                          [this] { m_settingsView.release()->deleteLater(); });
     }
+    m_settingsView->setWindowState(m_settingsView->windowState() & ~Qt::WindowMinimized);
     m_settingsView->show();
     m_settingsView->raise();
     m_settingsView->activateWindow();

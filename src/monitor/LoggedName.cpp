@@ -37,6 +37,11 @@ QByteArray LoggedName::of(std::string_view name)
     return text;
 }
 
+QString LoggedName::of(const QString &name)
+{
+    return QString::fromUtf8(of(std::string_view(name.toStdString())));
+}
+
 QByteArray LoggedName::ofInvalid(std::string_view name)
 {
     QByteArray text;

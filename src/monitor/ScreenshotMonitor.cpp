@@ -166,8 +166,7 @@ void ScreenshotMonitor::reportLater(const QString &name) const
 {
     const auto report = [monitorCallback = std::weak_ptr(m_callback), name,
                          fileURL = QUrl::fromLocalFile(m_screenshotDirectory + u'/' + name)] {
-        Log::line(u"📤 Triggering upload callback for: "_s
-                  + QString::fromUtf8(LoggedName::of(name.toStdString())));
+        Log::line(u"📤 Triggering upload callback for: "_s + LoggedName::of(name));
         if (const auto callback = monitorCallback.lock())
             (*callback)(fileURL);
     };

@@ -39,7 +39,7 @@ public:
     Pasteboard(const Pasteboard &) = delete;
     Pasteboard &operator=(const Pasteboard &) = delete;
 
-    /// What the clipboard holds from now on until it changes. Never null; not available: empty.
+    /// What the clipboard holds now; empty once it changes. Never null; not available: empty.
     virtual std::unique_ptr<PasteboardContent> content() = 0;
 
     /// Replaces the clipboard's content by text. True once other programs can read it; not

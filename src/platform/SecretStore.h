@@ -23,7 +23,8 @@ public:
     virtual bool isLocked() const = 0;
 
     /// Stores secret, replacing any earlier one. True when it is stored. Never prompts before it
-    /// returns: where the user must be asked first, it gives false and asks in the background.
+    /// returns: where the user must be asked first, it gives false and asks in the background. What
+    /// it could not store it stores once it can, unless another secret is written before.
     virtual bool write(const QString &service, const QString &account,
                        const QByteArray &secret) = 0;
 

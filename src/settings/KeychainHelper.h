@@ -13,7 +13,8 @@ bool savePassword(const QString &password);
 /// The stored password, or absent.
 std::optional<QString> loadPassword();
 
-/// Whether the latest loadPassword() gave nothing because the keychain is locked or does not answer.
+/// Whether the latest loadPassword() gave nothing because the keychain is locked or does not
+/// answer.
 bool isLocked();
 
 } // namespace KeychainHelper

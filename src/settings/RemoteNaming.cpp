@@ -76,6 +76,14 @@ QString generateFilename(UploadSettings::FilenameStyle style, const QUrl &fileUR
     Q_UNREACHABLE();
 }
 
+QString remoteFilename(const UploadSettings &settings, const QUrl &fileURL, const Clock &clock,
+                       SecureRandom &random)
+{
+    const QString name = generateFilename(settings.filenameStyle, fileURL,
+                                          settings.randomFilenameConfig, clock, random);
+    return settings.addDateToFilename ? addDate(name, clock) : name;
+}
+
 QString addDate(const QString &name, const Clock &clock)
 {
     const QString suffix = u'_' + QLocale().toString(clock.now().date(), u"yyyy-MM-dd");

@@ -89,6 +89,10 @@ QString generateFilename(UploadSettings::FilenameStyle style, const QUrl &fileUR
                          const UploadSettings::RandomFilenameConfig &config, const Clock &clock,
                          SecureRandom &random);
 
+/// The remote name for the local file at fileURL by all of the rules of settings.
+QString remoteFilename(const UploadSettings &settings, const QUrl &fileURL, const Clock &clock,
+                       SecureRandom &random);
+
 /// name with "_" and the local date (yyyy-MM-dd) before its extension.
 QString addDate(const QString &name, const Clock &clock);
 

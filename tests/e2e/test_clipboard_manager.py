@@ -83,6 +83,17 @@ class StandInTest(ManagerCase):
         self.assertEqual(asked.all, ["owner", "SAVE_TARGETS"])
         self.assertIsNone(self.desktop.screen.clipboard())
 
+    def test_upload_that_begins_while_it_hangs_ends_with_the_program(self):
+        asked = self.start_stand_in("--silent", "SAVE_TARGETS")
+        self.upload_text()
+        self.program.send_signal(signal.SIGTERM)
+        asked.wait_for("SAVE_TARGETS")
+        _, read = self.own_and_record({"UTF8_STRING": b"late"}, "--silent", "TARGETS")
+        self.desktop.screen.key("super+shift+u")
+        read.wait_for("TARGETS")
+        # The reading of the clipboard has its own patience.
+        self.assertEqual(self.program.wait(2 * SECONDS_TO_QUIT), 0)
+
     def test_refuses(self):
         asked = self.start_stand_in()
         self.upload_text()

@@ -65,6 +65,19 @@ class NothingTest(ClipboardCase):
         self.refuse_as_empty(SECRET)
         self.assertEqual(asked.all, ["owner", "TARGETS", "x-kde-passwordManagerHint"])
 
+    def test_secret_of_an_owner_that_comes_while_another_is_read(self):
+        first = self.own("xclip", "-quiet", "-selection", "clipboard", "-i",
+                         self.file("first", b"harmless"))
+        first.send_signal(signal.SIGSTOP)
+        self.upload()
+        self.program.wait_for_line(TRIGGERED)
+        _, asked = self.own_and_record({"UTF8_STRING": b"correct horse",
+                                        "x-kde-passwordManagerHint": b"secret"})
+        first.send_signal(signal.SIGCONT)
+        self.desktop.notifications.wait_for(EMPTY)
+        self.assertEqual(asked.all, ["owner"])
+        self.assertEqual(self.on_server(), {})
+
     def test_hint_that_says_public(self):
         self.own_as_qt({"text": b"no secret", "x-kde-passwordManagerHint": b"public"})
         self.assertEqual(self.upload_made_file(TEXT, "txt"), b"no secret")

@@ -130,6 +130,19 @@ class HangingKeyringTest(KeyringCase):
         self.wait_for_error("")
 
 
+    def test_closing_the_window_does_not_lose_it(self):
+        self.desktop.keyring.pause()
+        self.type_password(SECONDS_TO_ANSWER_WHILE_IT_HANGS)
+        self.wait_for_error(NOT_STORED)
+        with Answers(self.item) as answers:
+            self.window.close()
+        self.assertLess(answers.longest, SECONDS_TO_ANSWER_WHILE_IT_HANGS)
+        self.desktop.keyring.resume()
+        self.desktop.keyring.lock()
+        self.desktop.keyring.unlock()
+        self.wait_until_stored()
+
+
 class VanishedKeyringTest(KeyringCase):
     """The keyring ends while the window is open."""
 

@@ -19,6 +19,7 @@ public:
     bool isLocked() const override { return isShut; }
     bool write(const QString &service, const QString &account, const QByteArray &secret) override
     {
+        ++writes;
         if (isWritable)
             items[{service, account}] = secret;
         return isWritable;
@@ -33,6 +34,7 @@ public:
     bool isShut = false; ///< Nothing can be read.
     bool isWritable = true;
     int reads = 0;
+    int writes = 0;
     int unlocksAsked = 0;
     std::function<void()> onChanged;
 };

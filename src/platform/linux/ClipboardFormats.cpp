@@ -98,7 +98,7 @@ QString ClipboardFormats::text(const QString &type, const QByteArray &data)
 {
     constexpr QStringConverter::Flags kAsItIs =
         QStringConverter::Flag::ConvertInitialBom | QStringConverter::Flag::Stateless;
-    if (type == kLatin1String)
+    if (type.compare(kLatin1String, Qt::CaseInsensitive) == 0)
         return QString::fromLatin1(data);
     if (type.startsWith(kTextWithCharset, Qt::CaseInsensitive)) {
         const QByteArray charset = type.sliced(kTextWithCharset.size()).toLatin1();
@@ -112,7 +112,9 @@ QString ClipboardFormats::text(const QString &type, const QByteArray &data)
     QStringDecoder utf8(QStringConverter::Utf8, kAsItIs);
     const QString text = utf8.decode(data);
     // Without a charset it may be in any; what is no UTF-8 is older than UTF-8.
-    return utf8.hasError() && type == kPlainText ? QString::fromLatin1(data) : text;
+    return utf8.hasError() && type.compare(kPlainText, Qt::CaseInsensitive) == 0
+        ? QString::fromLatin1(data)
+        : text;
 }
 
 QString ClipboardFormats::imageType(const QStringList &offered, const QList<QByteArray> &readable)

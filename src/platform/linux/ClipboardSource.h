@@ -20,6 +20,7 @@ public:
     /// if there is no content. Absent if the owner does not answer.
     [[nodiscard]] virtual QCoro::Task<std::optional<QStringList>> types() = 0;
 
-    /// The content in one of these forms; empty if the owner refuses. Absent if it does not answer.
+    /// The content in one of these forms; empty if the owner refuses. Absent if it does not answer,
+    /// or is not the owner any more that has told the types.
     [[nodiscard]] virtual QCoro::Task<std::optional<QByteArray>> data(QString type) = 0;
 };

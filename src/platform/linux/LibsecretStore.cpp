@@ -40,6 +40,8 @@ bool LibsecretStore::write(const QString &service, const QString &account, const
         keyring().ask(DefaultKeyring::IfMissing::Make, [this] { storeWaiting(); });
         return false;
     case SecretServiceClient::Status::Failed:
+        m_waiting = Item{service, account, secret};
+        Log::line(u"⚠️ The secret service does not store the server password, waiting for it"_s);
         return false;
     case SecretServiceClient::Status::NoService:
         tellOfFallback(service, account);

@@ -31,7 +31,7 @@ FilenameExampleRow::FilenameExampleRow(const QString &style, const QString &exam
     label->setFont(SettingsTheme::font(11, QFont::Medium));
     label->setForegroundRole(QPalette::PlaceholderText);
     label->setFixedWidth(std::max(kStyleWidth, label->sizeHint().width()));
-    m_example->setFont(SettingsTheme::font(11));
+    m_example->setFont(SettingsTheme::font(10));
     row->addWidget(label);
     row->addWidget(new SymbolView(u"arrow.right"_s, kArrowSize, Tint::Secondary, this));
     row->addWidget(m_example);

@@ -26,9 +26,9 @@ QString FilenamePreview::name(const UploadSettings &settings, const Clock &clock
                               SecureRandom &random)
 {
     const QUrl sample = QUrl::fromLocalFile(u"/Screenshot 2025-12-01 at 21.31.56.png"_s);
-    const QString name = generateFilename(settings.filenameStyle, sample,
-                                          drawable(settings.randomFilenameConfig), clock, random);
-    return settings.addDateToFilename ? addDate(name, clock) : name;
+    UploadSettings drawn = settings;
+    drawn.randomFilenameConfig = drawable(settings.randomFilenameConfig);
+    return remoteFilename(drawn, sample, clock, random);
 }
 
 QString FilenamePreview::randomExample(const UploadSettings::RandomFilenameConfig &config,

@@ -138,7 +138,7 @@ void ServerSettingsContent::connectControls()
     connect(m_username, &StyledTextField::edited, this, edits(&UploadSettings::username));
     connect(m_passwordField, &StyledTextField::edited, &m_password, &StoredPassword::setText);
     connect(m_passwordField->field(), &QLineEdit::editingFinished, &m_password,
-            &StoredPassword::flush);
+            &StoredPassword::storeGathered);
     connect(m_remotePath, &StyledTextField::edited, this, edits(&UploadSettings::remotePath));
     connect(m_publicURLBase, &StyledTextField::edited, this, edits(&UploadSettings::publicURLBase));
     connect(m_allowInsecureCertificates, &SettingsToggle::toggled, this,

@@ -126,7 +126,7 @@ void SettingsView::showEvent(QShowEvent *event)
 
 void SettingsView::closeEvent(QCloseEvent *event)
 {
-    m_password.flush();
+    m_password.storeGathered();
     event->accept();
     Q_EMIT closed();
 }

@@ -52,7 +52,7 @@ public:
     void setSelectedTab(int index);
 
 Q_SIGNALS:
-    /// The user has closed the window, and nothing in it waits to be stored.
+    /// The user has closed the window, and the keychain has been given the password.
     void closed();
 
 protected:

@@ -13,7 +13,7 @@ StoredPassword::StoredPassword()
 StoredPassword::~StoredPassword()
 {
     blockSignals(true);
-    flush();
+    storeGathered();
 }
 
 bool StoredPassword::isFilledIn() const
@@ -33,6 +33,12 @@ void StoredPassword::setText(const QString &text)
     else if (!m_gathering.isActive())
         m_gathering.start(kGatheringTime);
     Q_EMIT changed();
+}
+
+void StoredPassword::storeGathered()
+{
+    if (m_state == State::Gathering)
+        flush();
 }
 
 bool StoredPassword::flush()

@@ -39,7 +39,12 @@ public:
     /// Has text stored within the gathering time, or in the next pause after a refusal.
     void setText(const QString &text);
 
-    /// Stores now what is not stored yet. True when nothing is left to be stored.
+    /// Stores now what is being gathered. What the keychain has refused already stays with it: it
+    /// stores that once it can.
+    void storeGathered();
+
+    /// Stores now what is not stored yet, trying again after a refusal. True when nothing is left
+    /// to be stored.
     bool flush();
 
     /// Looks at the keychain, which somebody else may have changed or unlocked.

@@ -152,6 +152,20 @@ private Q_SLOTS:
         QVERIFY(timer.elapsed() >= (StoredPassword::kPauseAfterRefusal * 9 / 10).count());
     }
 
+    void refusedTextIsNotTriedAgainOnTheWayOut()
+    {
+        m_platform->fakeSecrets->isWritable = false;
+        {
+            StoredPassword password;
+            password.setText(u"new"_s);
+            password.storeGathered();
+            QVERIFY(password.isRefused());
+            QCOMPARE(m_platform->fakeSecrets->writes, 1);
+            password.storeGathered();
+        }
+        QCOMPARE(m_platform->fakeSecrets->writes, 1);
+    }
+
     void flushAfterARefusalTriesAgain()
     {
         m_platform->fakeSecrets->isWritable = false;

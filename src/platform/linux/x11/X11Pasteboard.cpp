@@ -34,25 +34,33 @@ public:
 
     QCoro::Task<std::optional<QStringList>> types() override
     {
-        if (!m_reader->hasOwner(kClipboard))
+        m_owner = m_reader->owner(kClipboard);
+        if (m_owner == XCB_WINDOW_NONE)
             co_return QStringList();
-        const auto answer = co_await m_reader->convert(kClipboard, "TARGETS", kPatienceWithOwner);
-        if (!answer)
+        const std::optional<QByteArray> atoms = co_await answer("TARGETS");
+        if (!atoms)
             co_return std::nullopt;
-        co_return m_reader->atomNames(answer->data);
+        co_return m_reader->atomNames(*atoms);
     }
 
     QCoro::Task<std::optional<QByteArray>> data(QString type) override
     {
-        const auto answer =
-            co_await m_reader->convert(kClipboard, type.toLatin1(), kPatienceWithOwner);
-        if (!answer)
+        co_return co_await answer(type.toLatin1());
+    }
+
+private:
+    /// Absent as well if the clipboard has changed hands: what is a secret of the new owner's the
+    /// former one has not said.
+    QCoro::Task<std::optional<QByteArray>> answer(QByteArray target)
+    {
+        const auto answer = co_await m_reader->convert(kClipboard, target, kPatienceWithOwner);
+        if (!answer || m_reader->owner(kClipboard) != m_owner)
             co_return std::nullopt;
         co_return answer->data;
     }
 
-private:
     std::unique_ptr<X11SelectionReader> m_reader;
+    xcb_window_t m_owner = XCB_WINDOW_NONE; ///< When the types were asked for.
 };
 
 /// Null if the application does not run on an X display.
@@ -93,7 +101,7 @@ QCoro::Task<> X11Pasteboard::handOver()
     QClipboard *const clipboard = QGuiApplication::clipboard();
     const std::unique_ptr<X11SelectionReader> reader =
         clipboard->ownsClipboard() ? openReader() : nullptr;
-    if (!reader || !reader->hasOwner("CLIPBOARD_MANAGER"))
+    if (!reader || reader->owner("CLIPBOARD_MANAGER") == XCB_WINDOW_NONE)
         co_return;
     const auto answer =
         co_await reader->convert("CLIPBOARD_MANAGER", "SAVE_TARGETS", kPatienceWithManager);

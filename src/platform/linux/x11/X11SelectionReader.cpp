@@ -58,12 +58,12 @@ X11SelectionReader::X11SelectionReader(std::unique_ptr<X11Connection> connection
     m_patience.callOnTimeout([this] { finish({}); });
 }
 
-bool X11SelectionReader::hasOwner(QByteArrayView selection)
+xcb_window_t X11SelectionReader::owner(QByteArrayView selection)
 {
     const auto reply = m_connection->reply(
         xcb_get_selection_owner_reply,
         xcb_get_selection_owner(m_connection->get(), m_connection->atom(selection)));
-    return reply && reply->owner != XCB_WINDOW_NONE;
+    return reply ? reply->owner : xcb_window_t{XCB_WINDOW_NONE};
 }
 
 QCoro::Task<std::optional<X11SelectionReader::Answer>>

@@ -25,8 +25,8 @@ public:
     /// Null if there is no X display.
     static std::unique_ptr<X11SelectionReader> open();
 
-    /// Whether anybody owns the selection of that name.
-    bool hasOwner(QByteArrayView selection);
+    /// The window that owns the selection of that name; XCB_WINDOW_NONE if nobody does.
+    xcb_window_t owner(QByteArrayView selection);
 
     /// Asks for the selection as target. Absent if the owner is silent for as long as patience.
     [[nodiscard]] QCoro::Task<std::optional<Answer>>
