@@ -1,4 +1,4 @@
-"""One pixel of a display, looked at as often as the display answers."""
+"""Pixels of a display, looked at as often as the display answers."""
 
 import ctypes
 
@@ -18,17 +18,19 @@ _x11.XDestroyImage.argtypes = (ctypes.c_void_p,)
 
 
 class Pixel:
-    """The pixel at a place of the screen. Its connection lasts as long as the benchmark."""
+    """The pixel at a place of the screen, or a row of them that begins there. Its connection lasts
+    as long as the benchmark."""
 
-    def __init__(self, display, left, top):
+    def __init__(self, display, left, top, width=1):
         self._place = left, top
+        self._width = width
         self._display = _x11.XOpenDisplay(display.encode())
         self._root = _x11.XDefaultRootWindow(self._display)
 
-    def colour(self):
+    def colours(self):
         """What is seen there now."""
-        image = _x11.XGetImage(self._display, self._root, *self._place, 1, 1, _ALL_PLANES,
+        image = _x11.XGetImage(self._display, self._root, *self._place, self._width, 1, _ALL_PLANES,
                                _Z_PIXMAP)
-        colour = _x11.XGetPixel(image, 0, 0)
+        colours = [_x11.XGetPixel(image, column, 0) for column in range(self._width)]
         _x11.XDestroyImage(image)
-        return colour
+        return colours

@@ -17,12 +17,12 @@ def bare_tray(build):
 
 
 @contextlib.contextmanager
-def desktop_for(server=None):
+def desktop_for(server=None, **settings):
     """A private desktop with stored settings that are valid and an unlocked keyring."""
     with Desktop() as desktop:
         if server:
             desktop.keyring.store(server.password)
-            desktop.write_settings_for(server, "http://127.0.0.1/shots")
+            desktop.write_settings_for(server, "http://127.0.0.1/shots", **settings)
         else:
             desktop.keyring.store("secret")
             desktop.write_settings(hostname="127.0.0.1", username="me",

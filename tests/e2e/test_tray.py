@@ -80,15 +80,12 @@ class MenuTest(UploadCase):
         self.item.click("Settings...")
         self.desktop.screen.wait_for_window("Settings")
 
-    def test_upload_from_the_clipboard_only_logs(self):
+    def test_upload_from_the_clipboard(self):
         self.desktop.screen.set_clipboard("some text")
         self.item.click(CLIPBOARD)
-        self.program.wait_for_line("⚠️ Upload from Clipboard is not available in this version")
-        self.item.click("Quit")
-        self.assertEqual(self.program.wait(), 0)
-        self.assertEqual(self.titles(), [])
-        self.assertEqual(self.on_server(), {})
-        self.assertEqual(self.desktop.screen.clipboard(), "some text")
+        self.program.wait_for_line("📋 Found text in clipboard, creating text file")
+        begun = self.desktop.notifications.wait_for("Uploading Text")
+        self.assertEqual(begun.body, "Text content from clipboard")
 
     def test_names_in_the_status_are_shown_exactly(self):
         name = "Screenshot a_b & c__d &e.png"
