@@ -54,10 +54,12 @@ public:
         }
         FakeStandardFolders folders;
         folders.homePath = home;
-        auto watcher = std::make_unique<FakeFolderWatcher>();
-        m_watcher = watcher.get();
-        m_monitor =
-            std::make_unique<ScreenshotMonitor>(folders, std::move(watcher), [](const QUrl &) {});
+        const auto makeWatcher = [this] {
+            auto watcher = std::make_unique<FakeFolderWatcher>();
+            m_watcher = watcher.get();
+            return watcher;
+        };
+        m_monitor = std::make_unique<ScreenshotMonitor>(folders, makeWatcher, [](const QUrl &) {});
         m_monitor->start();
     }
 

@@ -27,7 +27,7 @@ void AppState::startMonitoring()
 
     requestDesktopAccess();
     m_screenshotMonitor = std::make_unique<ScreenshotMonitor>(
-        *m_platform.folders, m_platform.makeFolderWatcher(),
+        *m_platform.folders, m_platform.makeFolderWatcher,
         // The monitor is ours and calls nobody once it is gone.
         [this](const QUrl &fileURL) { screenshotArrived(fileURL); });
     m_screenshotMonitor->start();

@@ -1,23 +1,23 @@
 #include "monitor/ScreenshotMonitor.h"
 
 #include "base/Log.h"
-#include "monitor/FolderListing.h"
 #include "monitor/LoggedName.h"
-#include "monitor/ScreenshotName.h"
+#include "monitor/WatchedFolder.h"
+#include "platform/FolderWatcher.h"
 #include "platform/StandardFolders.h"
 
-#include <QByteArray>
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QTimer>
 
+#include <sys/stat.h>
+
+#include <algorithm>
 #include <chrono>
-#include <string>
-#include <string_view>
+#include <optional>
 #include <utility>
-#include <vector>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -27,7 +27,7 @@ namespace {
 /// Gives whoever writes the screenshot time to finish.
 constexpr auto kReportDelay = 500ms;
 
-QString chooseFolder(const StandardFolders &folders)
+QString chooseDesktop(const StandardFolders &folders)
 {
     const QString real = QDir(folders.home()).filePath(u"Desktop"_s);
     if (QFileInfo::exists(real)) {
@@ -41,131 +41,83 @@ QString chooseFolder(const StandardFolders &folders)
     return desktop;
 }
 
-/// Adds lines that each have a line break.
-void addTo(Log::Batch &log, QByteArrayView lines)
+/// What makes a folder the same folder, whatever it is called: links and mounts give it further
+/// names.
+struct Identity {
+    dev_t device = 0;
+    ino_t inode = 0;
+
+    bool operator==(const Identity &) const = default;
+};
+
+/// Empty if there is no folder at path.
+std::optional<Identity> identityOf(const QString &path)
 {
-    if (!lines.isEmpty())
-        log.line(lines.chopped(1));
+    struct stat facts = {};
+    if (::stat(QFile::encodeName(path).constData(), &facts) != 0)
+        return std::nullopt;
+    return Identity{.device = facts.st_dev, .inode = facts.st_ino};
+}
+
+/// Those of paths that are neither the folder desktop nor one that comes before them, by whatever
+/// name.
+QStringList otherFolders(const QStringList &paths, const QString &desktop)
+{
+    std::vector<std::optional<Identity>> known = {identityOf(desktop)};
+    QStringList others;
+    for (const QString &path : paths) {
+        const std::optional<Identity> identity = identityOf(path);
+        if (!identity || std::ranges::find(known, identity) != known.end())
+            continue;
+        known.push_back(identity);
+        others.append(path);
+    }
+    return others;
 }
 
 } // namespace
 
-struct ScreenshotMonitor::Listing {
-    bool isComplete = false; ///< Else the folder could not be read, and nothing else counts.
-    std::size_t count = 0; ///< Of entries of any kind.
-    /// Screenshots that were not known before. Files whose names are canonically equivalent are
-    /// each unknown if they come together.
-    std::vector<std::string> unknown;
-    /// What is to be logged about the entries, each line with its line break.
-    QByteArray lines;
-};
-
 ScreenshotMonitor::ScreenshotMonitor(const StandardFolders &folders,
-                                     std::unique_ptr<FolderWatcher> watcher, Callback callback)
-    : m_screenshotDirectory(chooseFolder(folders))
-    , m_watcher(std::move(watcher))
-    , m_callback(std::make_shared<const Callback>(std::move(callback)))
+                                     const WatcherFactory &makeWatcher, Callback callback)
+    : m_callback(std::make_shared<const Callback>(std::move(callback)))
 {
-    loadExistingScreenshots();
+    const auto watch = [this, &makeWatcher](const QString &path, const QString &heading) {
+        const auto found = [this, path](const QString &name) {
+            reportLater(path, name);
+        };
+        m_folders.push_back(std::make_unique<WatchedFolder>(path, heading, makeWatcher(), found));
+    };
+    const QString desktop = chooseDesktop(folders);
+    watch(desktop, {});
+    for (const QString &path : otherFolders(folders.screenshots(), desktop)) {
+        Log::line(u"📸 Using screenshot folder: "_s + path);
+        watch(path, u"📸 In folder: "_s + path);
+    }
 }
 
-ScreenshotMonitor::~ScreenshotMonitor()
-{
-    stop();
-}
+ScreenshotMonitor::~ScreenshotMonitor() = default;
 
 void ScreenshotMonitor::start()
 {
-    Log::line(u"📸 Starting screenshot monitoring on: "_s + m_screenshotDirectory);
-    Log::line(u"📸 Known files at start: "_s + QString::number(m_knownFiles.count()));
-    const FolderWatcher::Start outcome = m_watcher
-        ? m_watcher->start(m_screenshotDirectory, [this] { handleEvents(); })
-        : FolderWatcher::Start::Failed;
-    switch (outcome) {
-    case FolderWatcher::Start::Failed:
-        Log::line(u"❌ Failed to create FSEvents stream"_s);
-        return;
-    case FolderWatcher::Start::Idle:
-        Log::line(u"📸 FSEvents stream started: false"_s);
-        break;
-    case FolderWatcher::Start::Running:
-        Log::line(u"📸 FSEvents stream started: true"_s);
-        break;
-    }
-    m_isWatching = true;
+    for (const std::unique_ptr<WatchedFolder> &folder : m_folders)
+        folder->start();
 }
 
 void ScreenshotMonitor::stop()
 {
-    if (std::exchange(m_isWatching, false))
-        m_watcher.reset();
+    for (const std::unique_ptr<WatchedFolder> &folder : m_folders)
+        folder->stop();
 }
 
-void ScreenshotMonitor::loadExistingScreenshots()
+const QString &ScreenshotMonitor::screenshotDirectory() const
 {
-    const Listing listing = list();
-    if (!listing.isComplete)
-        return;
-    Log::Batch log;
-    addTo(log, listing.lines);
-    for (const std::string &name : listing.unknown)
-        m_knownFiles.insert(name);
+    return m_folders.front()->path();
 }
 
-void ScreenshotMonitor::handleEvents()
-{
-    Log::Batch log;
-    log.line(u"📸 FSEvents triggered - checking for new screenshots..."_s);
-    const Listing listing = list("✅ New screenshot detected: ");
-    if (!listing.isComplete) {
-        log.line(u"❌ Could not read directory contents"_s);
-        return;
-    }
-    log.line(QString(u"📸 Found "_s + QString::number(listing.count) + u" files in directory"_s));
-    addTo(log, listing.lines);
-    for (const std::string &name : listing.unknown) {
-        m_knownFiles.insert(name);
-        reportLater(QString::fromStdString(name));
-    }
-}
-
-ScreenshotMonitor::Listing ScreenshotMonitor::list(const char *unknownHeading)
-{
-    Listing listing;
-    m_knownFiles.beginPass();
-    const auto visit = [&](std::string_view name) {
-        ++listing.count;
-        if (m_knownFiles.isNextAgain(name))
-            return;
-        if (!ScreenshotName::isAscii(name) && !QByteArrayView(name).isValidUtf8()) {
-            listing.lines += "⚠️ File '" + LoggedName::ofInvalid(name)
-                + "' skipped: its name is not valid UTF-8\n";
-            return;
-        }
-        switch (ScreenshotName::kindOf(name)) {
-        case ScreenshotName::Kind::Screenshot:
-            if (m_knownFiles.contains(name))
-                break;
-            if (unknownHeading)
-                listing.lines += unknownHeading + LoggedName::of(name) + '\n';
-            listing.unknown.emplace_back(name);
-            break;
-        case ScreenshotName::Kind::OtherImage:
-            listing.lines += "⚠️ File '" + LoggedName::of(name)
-                + "' has image extension but doesn't match screenshot pattern\n";
-            break;
-        case ScreenshotName::Kind::Other:
-            break;
-        }
-    };
-    listing.isComplete = visitFolder(QFile::encodeName(m_screenshotDirectory).constData(), visit);
-    return listing;
-}
-
-void ScreenshotMonitor::reportLater(const QString &name) const
+void ScreenshotMonitor::reportLater(const QString &folder, const QString &name) const
 {
     const auto report = [monitorCallback = std::weak_ptr(m_callback), name,
-                         fileURL = QUrl::fromLocalFile(m_screenshotDirectory + u'/' + name)] {
+                         fileURL = QUrl::fromLocalFile(folder + u'/' + name)] {
         Log::line(u"📤 Triggering upload callback for: "_s + LoggedName::of(name));
         if (const auto callback = monitorCallback.lock())
             (*callback)(fileURL);

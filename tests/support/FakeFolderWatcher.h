@@ -5,7 +5,7 @@
 #include <utility>
 
 /// A watcher that delivers batches when told to.
-class FakeFolderWatcher final : public FolderWatcher {
+class FakeFolderWatcher : public FolderWatcher {
 public:
     Start start(const QString &path, std::function<void()> onBatch) override
     {

@@ -134,10 +134,13 @@ void ScreenshotMonitorTest::write(const QByteArray &name) const
 
 void ScreenshotMonitorTest::makeMonitor()
 {
-    auto watcher = std::make_unique<FakeFolderWatcher>();
-    m_watcher = watcher.get();
-    m_monitor = std::make_unique<ScreenshotMonitor>(
-        m_folders, std::move(watcher), [this](const QUrl &fileURL) {
+    const auto makeWatcher = [this] {
+        auto watcher = std::make_unique<FakeFolderWatcher>();
+        m_watcher = watcher.get();
+        return watcher;
+    };
+    m_monitor =
+        std::make_unique<ScreenshotMonitor>(m_folders, makeWatcher, [this](const QUrl &fileURL) {
             QCOMPARE(QThread::currentThread(), QCoreApplication::instance()->thread());
             m_reported.append(fileURL.toLocalFile());
             m_reportedAfter = m_clock.elapsed();
@@ -194,7 +197,8 @@ void ScreenshotMonitorTest::startTellsWhatCameOfIt()
     auto watcher = std::make_unique<FakeFolderWatcher>();
     FakeFolderWatcher &fake = *watcher;
     fake.outcome = outcome;
-    ScreenshotMonitor monitor(m_folders, std::move(watcher), [](const QUrl &) {});
+    ScreenshotMonitor monitor(
+        m_folders, [&watcher] { return std::move(watcher); }, [](const QUrl &) {});
     QCOMPARE(fake.starts, 0);
     const CapturedOutput output;
     monitor.start();
@@ -374,7 +378,8 @@ void ScreenshotMonitorTest::stopBeforeStartDoesNothing()
 {
     auto watcher = std::make_unique<FakeFolderWatcher>();
     FakeFolderWatcher &fake = *watcher;
-    ScreenshotMonitor monitor(m_folders, std::move(watcher), [](const QUrl &) {});
+    ScreenshotMonitor monitor(
+        m_folders, [&watcher] { return std::move(watcher); }, [](const QUrl &) {});
     monitor.stop();
     monitor.start();
     QCOMPARE(fake.starts, 1);
@@ -385,11 +390,12 @@ void ScreenshotMonitorTest::callbackMayReleaseTheMonitor()
     bool isReleased = false;
     auto watcher = std::make_unique<FakeFolderWatcher>();
     m_watcher = watcher.get();
-    m_monitor = std::make_unique<ScreenshotMonitor>(m_folders, std::move(watcher),
-                                                    [this, &isReleased](const QUrl &) {
-                                                        m_monitor.reset();
-                                                        isReleased = true;
-                                                    });
+    m_monitor = std::make_unique<ScreenshotMonitor>(
+        m_folders, [&watcher] { return std::move(watcher); },
+        [this, &isReleased](const QUrl &) {
+            m_monitor.reset();
+            isReleased = true;
+        });
     m_monitor->start();
     write(u"Screenshot 1.png"_s);
     rescan();

@@ -1,0 +1,137 @@
+#include "monitor/WatchedFolder.h"
+
+#include "base/Log.h"
+#include "monitor/FolderListing.h"
+#include "monitor/LoggedName.h"
+#include "monitor/ScreenshotName.h"
+
+#include <QByteArray>
+#include <QFile>
+
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// Adds lines that each have a line break.
+void addTo(Log::Batch &log, QByteArrayView lines)
+{
+    if (!lines.isEmpty())
+        log.line(lines.chopped(1));
+}
+
+} // namespace
+
+struct WatchedFolder::Listing {
+    bool isComplete = false; ///< Else the folder could not be read, and nothing else counts.
+    std::size_t count = 0; ///< Of entries of any kind.
+    /// Screenshots that were not known before. Files whose names are canonically equivalent are
+    /// each unknown if they come together.
+    std::vector<std::string> unknown;
+    /// What is to be logged about the entries, each line with its line break.
+    QByteArray lines;
+};
+
+WatchedFolder::WatchedFolder(QString path, QString heading, std::unique_ptr<FolderWatcher> watcher,
+                             Found found)
+    : m_path(std::move(path))
+    , m_heading(std::move(heading))
+    , m_watcher(std::move(watcher))
+    , m_found(std::move(found))
+{
+    loadExistingScreenshots();
+}
+
+void WatchedFolder::start()
+{
+    Log::line(u"📸 Starting screenshot monitoring on: "_s + m_path);
+    Log::line(u"📸 Known files at start: "_s + QString::number(m_knownFiles.count()));
+    const FolderWatcher::Start outcome = m_watcher
+        ? m_watcher->start(m_path, [this] { handleEvents(); })
+        : FolderWatcher::Start::Failed;
+    switch (outcome) {
+    case FolderWatcher::Start::Failed:
+        Log::line(u"❌ Failed to create FSEvents stream"_s);
+        return;
+    case FolderWatcher::Start::Idle:
+        Log::line(u"📸 FSEvents stream started: false"_s);
+        break;
+    case FolderWatcher::Start::Running:
+        Log::line(u"📸 FSEvents stream started: true"_s);
+        break;
+    }
+    m_isWatching = true;
+}
+
+void WatchedFolder::stop()
+{
+    if (std::exchange(m_isWatching, false))
+        m_watcher.reset();
+}
+
+void WatchedFolder::loadExistingScreenshots()
+{
+    const Listing listing = list();
+    if (!listing.isComplete)
+        return;
+    Log::Batch log;
+    addTo(log, listing.lines);
+    for (const std::string &name : listing.unknown)
+        m_knownFiles.insert(name);
+}
+
+void WatchedFolder::handleEvents()
+{
+    Log::Batch log;
+    log.line(u"📸 FSEvents triggered - checking for new screenshots..."_s);
+    if (!m_heading.isEmpty())
+        log.line(m_heading);
+    const Listing listing = list("✅ New screenshot detected: ");
+    if (!listing.isComplete) {
+        log.line(u"❌ Could not read directory contents"_s);
+        return;
+    }
+    log.line(QString(u"📸 Found "_s + QString::number(listing.count) + u" files in directory"_s));
+    addTo(log, listing.lines);
+    for (const std::string &name : listing.unknown) {
+        m_knownFiles.insert(name);
+        m_found(QString::fromStdString(name));
+    }
+}
+
+WatchedFolder::Listing WatchedFolder::list(const char *unknownHeading)
+{
+    Listing listing;
+    m_knownFiles.beginPass();
+    const auto visit = [&](std::string_view name) {
+        ++listing.count;
+        if (m_knownFiles.isNextAgain(name))
+            return;
+        if (!ScreenshotName::isAscii(name) && !QByteArrayView(name).isValidUtf8()) {
+            listing.lines += "⚠️ File '" + LoggedName::ofInvalid(name)
+                + "' skipped: its name is not valid UTF-8\n";
+            return;
+        }
+        switch (ScreenshotName::kindOf(name)) {
+        case ScreenshotName::Kind::Screenshot:
+            if (m_knownFiles.contains(name))
+                break;
+            if (unknownHeading)
+                listing.lines += unknownHeading + LoggedName::of(name) + '\n';
+            listing.unknown.emplace_back(name);
+            break;
+        case ScreenshotName::Kind::OtherImage:
+            listing.lines += "⚠️ File '" + LoggedName::of(name)
+                + "' has image extension but doesn't match screenshot pattern\n";
+            break;
+        case ScreenshotName::Kind::Other:
+            break;
+        }
+    };
+    listing.isComplete = visitFolder(QFile::encodeName(m_path).constData(), visit);
+    return listing;
+}
