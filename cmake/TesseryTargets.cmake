@@ -17,8 +17,8 @@ target_compile_definitions(tessery_options INTERFACE
   QT_DISABLE_DEPRECATED_BEFORE=0x060400)
 target_compile_options(tessery_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wold-style-cast
-  -Wcast-qual -Wformat=2 -Wimplicit-fallthrough  -Wextra-semi
-  -Wnull-dereference 
+  -Wcast-qual -Wformat=2 -Wimplicit-fallthrough -Wextra-semi
+  -Wnull-dereference
   $<$<CXX_COMPILER_ID:GNU>:-Wsuggest-override -Wlogical-op -Wduplicated-cond
     -Wduplicated-branches -Wuseless-cast>)
 

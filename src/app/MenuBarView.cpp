@@ -76,5 +76,7 @@ void MenuBarView::renderSoon()
 void MenuBarView::render()
 {
     m_renderPending = false;
-    m_extra.setMenu(items());
+    const std::vector<MenuItem> now = items();
+    m_extra.setMenu(now);
+    Q_EMIT itemsChanged(now);
 }

@@ -9,8 +9,8 @@
 
 class AppState;
 
-/// The content of the tray menu: it shows the state of an AppState and follows its changes. Main
-/// thread.
+/// The content of the menu, in the tray or in a window of its own: it shows the state of an
+/// AppState and follows its changes. Main thread.
 class MenuBarView : public QObject {
     Q_OBJECT
 
@@ -27,9 +27,15 @@ public:
     /// The menu's lines for the state as it is now.
     std::vector<MenuItem> items() const;
 
+    /// Makes the menu anew, since what it depends on may have changed unnoticed.
+    void render();
+
+Q_SIGNALS:
+    /// The menu has been made anew.
+    void itemsChanged(const std::vector<MenuItem> &items);
+
 private:
     void renderSoon();
-    void render();
 
     AppState &m_appState;
     MenuBarExtra &m_extra;

@@ -5,6 +5,7 @@
 #include <QString>
 
 #include <functional>
+#include <optional>
 #include <vector>
 
 /// One line of the menu.
@@ -39,4 +40,11 @@ public:
 
     /// Replaces the menu's lines.
     virtual void setMenu(std::vector<MenuItem> items) = 0;
+
+    /// Whether there is a tray that shows the item, or is about to. Absent until the desktop has
+    /// said whether it has one; once shown, it takes milliseconds unless the desktop hangs.
+    virtual std::optional<bool> isShown() const = 0;
+
+    /// Calls then once isShown() is known: at once if it is, else from the event loop.
+    virtual void whenKnown(std::function<void()> then) = 0;
 };

@@ -9,6 +9,7 @@
 #include "platform/MenuBarExtra.h"
 #include "platform/Pasteboard.h"
 #include "platform/PreferencesStore.h"
+#include "platform/RemoteControl.h"
 #include "platform/SecretStore.h"
 #include "platform/StandardFolders.h"
 #include "platform/SystemSettings.h"
@@ -30,6 +31,7 @@ struct Platform {
     std::unique_ptr<LoginItem> loginItem;
     std::unique_ptr<SystemSettings> systemSettings;
     std::unique_ptr<AppInfo> appInfo;
+    std::unique_ptr<RemoteControl> remoteControl;
     std::function<std::unique_ptr<FolderWatcher>()> makeFolderWatcher;
     EventTap::Factory makeEventTap;
 

@@ -164,8 +164,10 @@ class KilledTest(QuitCase):
         self.store_settings_for_silence(self.server, "FTP")
         self.begin_upload("curl")
         first = self.program
-        other = self.start()
-        self.desktop.tray_item(other)
+        # In another session of the same person's.
+        other = self.start(environment={"DBUS_SESSION_BUS_ADDRESS": "unix:path=/not/there"})
+        other.wait_for_line("No session bus")
+        processes.wait_until(lambda: len(self.temporary_folders()) == 2, 10, "another folder")
         self.assertEqual(len(self.temporary_folders()), 2)
         self.assertIn("curl", self.tools().values())
         self.assertEqual(other.terminate(), 0)

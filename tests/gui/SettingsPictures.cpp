@@ -1,4 +1,6 @@
 #include "app/AppState.h"
+#include "app/MenuBarView.h"
+#include "app/MenuWindow.h"
 #include "support/FakePlatform.h"
 #include "support/FixedClock.h"
 #include "support/ScriptedRandom.h"
@@ -13,7 +15,8 @@
 
 using namespace Qt::StringLiterals;
 
-// Draws every tab of the settings window, in light and dark, into the folder that is the argument.
+// Draws every tab of the settings window, and the menu's window, in light and dark, into the folder
+// that is the argument.
 // The scale is that of QT_SCALE_FACTOR.
 
 namespace {
@@ -63,7 +66,12 @@ int main(int argc, char *argv[])
     for (std::uint64_t &number : random.numbers)
         number <<= 58;
     const FixedClock clock;
+    const auto save = [&](QWidget &window, const QString &name, bool isDark) {
+        const QString file = name + (isDark ? u"-dark"_s : u"-light"_s) + u'-' + scale + u"x.png"_s;
+        return window.grab().save(folder.filePath(file));
+    };
     AppState state(platform, {}, clock, random);
+    MenuBarView menu(state, *platform.menuBarExtra, {});
     const QStringList names = {u"server"_s, u"filenames"_s, u"shortcuts"_s, u"general"_s};
     for (const bool isDark : {false, true}) {
         QApplication::setPalette(isDark ? darkPalette() : light);
@@ -74,11 +82,15 @@ int main(int argc, char *argv[])
             for (int tab = 0; tab < static_cast<int>(names.size()); ++tab) {
                 view.setSelectedTab(tab);
                 QCoreApplication::processEvents();
-                const QString name = names.at(tab) + (isFilledIn ? u"-filled"_s : QString())
-                    + (isDark ? u"-dark"_s : u"-light"_s) + u'-' + scale + u"x.png"_s;
-                if (!view.grab().save(folder.filePath(name)))
+                const QString filled = isFilledIn ? u"-filled"_s : QString();
+                if (!save(view, names.at(tab) + filled, isDark))
                     return 1;
             }
+            MenuWindow window(menu);
+            window.show();
+            QCoreApplication::processEvents();
+            if (!save(window, isFilledIn ? u"menu-filled"_s : u"menu"_s, isDark))
+                return 1;
         }
     }
     return 0;

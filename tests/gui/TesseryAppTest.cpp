@@ -1,6 +1,8 @@
 #include "app/TesseryApp.h"
 
+#include "app/MenuWindow.h"
 #include "base/AppIdentifier.h"
+#include "support/CapturedOutput.h"
 #include "support/FakePlatform.h"
 #include "support/TestMain.h"
 #include "ui/settings/SettingsView.h"
@@ -8,8 +10,10 @@
 #include <QApplication>
 #include <QLineEdit>
 #include <QObject>
+#include <QTimer>
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 class TesseryAppTest : public QObject {
     Q_OBJECT
@@ -18,8 +22,7 @@ private Q_SLOTS:
     void init()
     {
         TestSurroundings::failOnWarnings();
-        m_platform = std::make_unique<FakePlatform>();
-        m_app = std::make_unique<TesseryApp>(*m_platform);
+        makeApp();
     }
 
     void cleanup()
@@ -73,12 +76,154 @@ private Q_SLOTS:
         QCOMPARE(windows().size(), 0);
     }
 
+    void startedAgainWithATrayOpensTheSettings()
+    {
+        activate(u"token"_s);
+        QCOMPARE(windows().size(), 1);
+        QCOMPARE(windowsOf<MenuWindow>().size(), 0);
+        activate(u"other"_s);
+        QCOMPARE(windows().size(), 1);
+        QCOMPARE(m_platform->fakeRemoteControl->tokens, QStringList({u"token"_s, u"other"_s}));
+    }
+
+    void startedAgainItShowsAMinimisedWindow()
+    {
+        activate();
+        windows().constFirst()->showMinimized();
+        activate();
+        QVERIFY(!windows().constFirst()->isMinimized());
+        QVERIFY(windows().constFirst()->isVisible());
+    }
+
+    void startedAgainWithoutATrayOpensTheMenu()
+    {
+        m_platform->fakeMenuBarExtra->setShown(false);
+        activate(u"token"_s);
+        QCOMPARE(windowsOf<MenuWindow>().size(), 1);
+        QCOMPARE(windows().size(), 0);
+        activate();
+        QCOMPARE(windowsOf<MenuWindow>().size(), 1);
+        QCOMPARE(m_platform->fakeRemoteControl->tokens, QStringList({u"token"_s, QString()}));
+        windowsOf<MenuWindow>().constFirst()->close();
+        QTRY_COMPARE(windowsOf<MenuWindow>().size(), 0);
+    }
+
+    void trayThatComesLaterIsSeenAtTheNextStart()
+    {
+        m_platform->fakeMenuBarExtra->setShown(false);
+        activate();
+        m_platform->fakeMenuBarExtra->setShown(true);
+        QCOMPARE(windowsOf<MenuWindow>().size(), 1); // It stays until it is closed.
+        activate();
+        QCOMPARE(windows().size(), 1);
+    }
+
+    void startedAgainAtOnceItWaitsForTheTrayToBeKnown_data()
+    {
+        QTest::addColumn<bool>("hasTray");
+        QTest::newRow("tray") << true;
+        QTest::newRow("no tray") << false;
+    }
+    void startedAgainAtOnceItWaitsForTheTrayToBeKnown()
+    {
+        QFETCH(const bool, hasTray);
+        makeApp(std::nullopt);
+        activate();
+        QCOMPARE(windows().size() + windowsOf<MenuWindow>().size(), 0);
+        QTest::ignoreMessage(QtWarningMsg, kNoRaise);
+        m_platform->fakeMenuBarExtra->setShown(hasTray);
+        QCOMPARE(windows().size(), hasTray ? 1 : 0);
+        QCOMPARE(windowsOf<MenuWindow>().size(), hasTray ? 0 : 1);
+    }
+
+    void desktopThatNeverSaysHasNoTray()
+    {
+        makeApp(std::nullopt, 1ms);
+        activate();
+        QTest::ignoreMessage(QtWarningMsg, kNoRaise);
+        QTRY_COMPARE(windowsOf<MenuWindow>().size(), 1);
+    }
+
+    void missingTrayIsOneLineAndNoWindow()
+    {
+        const CapturedOutput output;
+        makeApp(false, 1ms);
+        const QString line =
+            u"⚠️ No tray to show the menu in: start Tessery again to see it in a window"_s;
+        QTRY_COMPARE(output.lines().count(line), 1);
+        QTest::qWait(20); // Nothing may happen.
+        QCOMPARE(output.lines().count(line), 1);
+        QCOMPARE(windowsOf<MenuWindow>().size(), 0);
+    }
+
+    void trayThatIsThereIsNoLine()
+    {
+        const CapturedOutput output;
+        makeApp(true, 1ms);
+        QTest::qWait(20); // Nothing may happen.
+        QVERIFY(!output.bytes().contains("No tray"));
+    }
+
+    void actionsObeyTheMenu()
+    {
+        const CapturedOutput output;
+        perform(RemoteAction::StartMonitoring);
+        perform(RemoteAction::UploadClipboard);
+        perform(RemoteAction::StopMonitoring);
+        QCOMPARE(output.lines(),
+                 QStringList({u"⚠️ Ignored start-monitoring: the settings are not valid"_s,
+                              u"⚠️ Ignored upload-clipboard: the settings are not valid"_s,
+                              u"⚠️ Ignored stop-monitoring: not monitoring"_s}));
+        QCOMPARE(m_platform->watchersMade, 0);
+    }
+
+    void settingsActionOpensTheWindowWithItsToken()
+    {
+        QTest::ignoreMessage(QtWarningMsg, kNoRaise);
+        perform(RemoteAction::Settings, u"token"_s);
+        QCOMPARE(windows().size(), 1);
+        QCOMPARE(m_platform->fakeRemoteControl->tokens, QStringList(u"token"_s));
+    }
+
+    void quitActionEndsTheProgramAndItsAnswers()
+    {
+        QTimer::singleShot(0, this, [this] { perform(RemoteAction::Quit); });
+        QCOMPARE(m_app->run(), 0);
+        QVERIFY(m_platform->fakeRemoteControl->isClosed);
+    }
+
 private:
-    static QList<QWidget *> windows()
+    static constexpr const char *kNoRaise = "This plugin does not support raise()";
+
+    void makeApp(std::optional<bool> hasTray = true, std::chrono::milliseconds patience = 5s)
+    {
+        m_app.reset();
+        m_platform.reset(); // One at a time.
+        m_platform = std::make_unique<FakePlatform>();
+        m_platform->fakeMenuBarExtra->shown = hasTray;
+        m_app = std::make_unique<TesseryApp>(*m_platform, patience);
+    }
+
+    void activate(const QString &token = {}) const
+    {
+        if (m_platform->fakeMenuBarExtra->shown)
+            QTest::ignoreMessage(QtWarningMsg, kNoRaise);
+        m_platform->fakeRemoteControl->handlers.activate(token);
+    }
+
+    void perform(RemoteAction action, const QString &token = {}) const
+    {
+        m_platform->fakeRemoteControl->handlers.perform(action, token);
+    }
+
+    static QList<QWidget *> windows() { return windowsOf<SettingsView>(); }
+
+    template <typename Window>
+    static QList<QWidget *> windowsOf()
     {
         QList<QWidget *> found;
         for (QWidget *widget : QApplication::topLevelWidgets()) {
-            if (qobject_cast<SettingsView *>(widget))
+            if (qobject_cast<Window *>(widget))
                 found << widget;
         }
         return found;
@@ -92,7 +237,7 @@ private:
     void openSettings() const
     {
         // There is no other window on this screen that it could be raised above.
-        QTest::ignoreMessage(QtWarningMsg, "This plugin does not support raise()");
+        QTest::ignoreMessage(QtWarningMsg, kNoRaise);
         for (const MenuItem &item : m_platform->fakeMenuBarExtra->items) {
             if (item.text == u"Settings..."_s) {
                 item.action();

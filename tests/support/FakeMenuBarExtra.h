@@ -15,6 +15,22 @@ public:
         aboutToShow = std::move(newAboutToShow);
     }
     void setMenu(std::vector<MenuItem> newItems) override { items = std::move(newItems); }
+    std::optional<bool> isShown() const override { return shown; }
+    void whenKnown(std::function<void()> then) override
+    {
+        if (shown)
+            then();
+        else
+            waiting.push_back(std::move(then));
+    }
+
+    /// The desktop says whether it has a tray, for the first time or anew.
+    void setShown(bool isShown)
+    {
+        shown = isShown;
+        for (const auto &then : std::exchange(waiting, {}))
+            then();
+    }
 
     QStringList texts() const
     {
@@ -27,4 +43,6 @@ public:
     QString title;
     std::function<void()> aboutToShow;
     std::vector<MenuItem> items;
+    std::optional<bool> shown = true;
+    std::vector<std::function<void()>> waiting;
 };

@@ -11,6 +11,7 @@
 #include "support/FakeNotificationCenter.h"
 #include "support/FakePasteboard.h"
 #include "support/FakePreferencesStore.h"
+#include "support/FakeRemoteControl.h"
 #include "support/FakeSecretStore.h"
 #include "support/FakeStandardFolders.h"
 #include "support/FakeSystemSettings.h"
@@ -31,6 +32,7 @@ public:
         loginItem = own(std::make_unique<FakeLoginItem>(), fakeLoginItem);
         systemSettings = own(std::make_unique<FakeSystemSettings>(), fakeSystemSettings);
         appInfo = own(std::make_unique<FakeAppInfo>(), fakeAppInfo);
+        remoteControl = own(std::make_unique<FakeRemoteControl>(), fakeRemoteControl);
         makeFolderWatcher = [this] {
             ++watchersMade;
             return own(std::make_unique<FakeFolderWatcher>(), fakeFolderWatcher);
@@ -53,6 +55,7 @@ public:
     FakeLoginItem *fakeLoginItem = nullptr;
     FakeSystemSettings *fakeSystemSettings = nullptr;
     FakeAppInfo *fakeAppInfo = nullptr;
+    FakeRemoteControl *fakeRemoteControl = nullptr;
     FakeFolderWatcher *fakeFolderWatcher = nullptr; ///< The latest; may be gone.
     int watchersMade = 0;
     FakeEventTaps fakeEventTaps;

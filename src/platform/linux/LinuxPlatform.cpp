@@ -19,8 +19,9 @@
 
 #include <utility>
 
-LinuxPlatform::LinuxPlatform()
+LinuxPlatform::LinuxPlatform(std::unique_ptr<DBusRemoteControl> dbusRemoteControl)
 {
+    remoteControl = std::move(dbusRemoteControl);
     folders = std::make_unique<QtStandardFolders>();
     preferences = std::make_unique<SettingsFileStore>();
     secrets = std::make_unique<LibsecretStore>(std::make_unique<FileSecretStore>());

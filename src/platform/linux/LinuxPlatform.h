@@ -2,11 +2,13 @@
 
 #include "platform/Platform.h"
 #include "platform/linux/TerminationSignals.h"
+#include "platform/linux/dbus/DBusRemoteControl.h"
 
 /// The services of the Linux desktop. Made after the application object.
 class LinuxPlatform : public Platform {
 public:
-    LinuxPlatform();
+    /// remoteControl has made this process the one that runs.
+    explicit LinuxPlatform(std::unique_ptr<DBusRemoteControl> remoteControl);
 
 private:
     TerminationSignals m_terminationSignals;

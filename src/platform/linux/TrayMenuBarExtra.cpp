@@ -117,12 +117,36 @@ void TrayMenuBarExtra::onHostRegistered()
     m_hasHost = true;
     m_xembedGrace.stop();
     m_xembedIcon.reset();
+    becomeKnown();
 }
 
 void TrayMenuBarExtra::onHostLost()
 {
     m_hasHost = false;
     m_xembedGrace.start();
+    becomeKnown();
+}
+
+void TrayMenuBarExtra::becomeKnown()
+{
+    m_isKnown = true;
+    for (const auto &then : std::exchange(m_whenKnown, {}))
+        then();
+}
+
+std::optional<bool> TrayMenuBarExtra::isShown() const
+{
+    if (!m_isKnown)
+        return std::nullopt;
+    return m_hasHost || m_xembedTray.isPresent();
+}
+
+void TrayMenuBarExtra::whenKnown(std::function<void()> then)
+{
+    if (m_isKnown)
+        then();
+    else
+        m_whenKnown.push_back(std::move(then));
 }
 
 void TrayMenuBarExtra::showInXEmbedTray()

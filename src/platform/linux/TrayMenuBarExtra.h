@@ -23,6 +23,8 @@ public:
 
     void show(const QString &title, const QIcon &icon, std::function<void()> aboutToShow) override;
     void setMenu(std::vector<MenuItem> items) override;
+    std::optional<bool> isShown() const override;
+    void whenKnown(std::function<void()> then) override;
 
 private Q_SLOTS:
     void onHostRegistered();
@@ -32,12 +34,15 @@ private:
     void exportItem();
     void registerItem();
     void lookForHost();
+    void becomeKnown();
     void showInXEmbedTray();
     void fillMenu();
     void popUpMenu(QPoint position);
 
     QDBusConnection m_bus;
     bool m_hasHost = false; ///< A panel shows the StatusNotifierItem.
+    bool m_isKnown = false; ///< It has turned out whether there is a host.
+    std::vector<std::function<void()>> m_whenKnown;
     XEmbedTray m_xembedTray;
     QTimer m_xembedGrace;
     QString m_title;

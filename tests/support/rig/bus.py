@@ -15,6 +15,7 @@ _CONFIG = """\
   <keep_umask/>
   <listen>unix:path={socket}</listen>
   <auth>EXTERNAL</auth>
+  <servicedir>{own_services}</servicedir>
   {services}
   <policy context="default">
     <allow send_destination="*" eavesdrop="true"/>
@@ -26,12 +27,15 @@ _CONFIG = """\
 
 
 class Bus:
-    """A dbus-daemon of our own. Without `activation` it starts no service by itself."""
+    """A dbus-daemon of our own. Without `activation` it starts no service by itself but those that
+    a test puts in."""
 
     def __init__(self, household, surroundings, activation):
         config = surroundings.base / "bus.conf"
+        self._services = surroundings.base / "services"
+        self._services.mkdir()
         config.write_text(_CONFIG.format(
-            socket=surroundings.runtime / "bus",
+            socket=surroundings.runtime / "bus", own_services=self._services,
             services="<standard_session_servicedirs/>" if activation else ""))
         reader, writer = os.pipe()
         household.start(["dbus-daemon", f"--config-file={config}", "--nofork",
@@ -67,6 +71,13 @@ class Bus:
         """Asks the message bus itself."""
         return self.call("org.freedesktop.DBus", "/org/freedesktop/DBus",
                          "org.freedesktop.DBus", method, signature, *arguments)
+
+    def add_service(self, name, command, environment):
+        """Lets the bus start a command for whoever calls the name, with further variables."""
+        service = self._services / f"{name}.service"
+        service.write_text(f"[D-BUS Service]\nName={name}\nExec={command}\n")
+        self.daemon("UpdateActivationEnvironment", "(a{ss})", environment)
+        self.daemon("ReloadConfig")
 
     def has_owner(self, name):
         """Whether somebody owns the bus name."""

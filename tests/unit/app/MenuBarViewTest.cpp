@@ -70,6 +70,8 @@ private Q_SLOTS:
                 readsBefore = m_secrets.reads;
             }
             void setMenu(std::vector<MenuItem> items) override { lines = items.size(); }
+            std::optional<bool> isShown() const override { return true; }
+            void whenKnown(std::function<void()> then) override { then(); }
 
             int readsBefore = -1;
             std::size_t lines = 0;

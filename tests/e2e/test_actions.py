@@ -1,0 +1,149 @@
+"""What the running program is asked to do from outside: by its command line and over the bus."""
+
+import unittest
+
+from gi.repository import GLib
+
+from instance_case import INTERFACE, NAME, PATH, SETTINGS, InstanceCase
+from rig import processes
+from upload_case import DONE
+
+STARTED = "✅ Monitoring started successfully"
+PERMISSION = "✅ Notification permission granted"
+
+
+class ActionTest(InstanceCase):
+    """The settings are valid; the program runs, and shows its item."""
+
+    def setUp(self):
+        super().setUp()
+        self.store_settings()
+        self.program = self.start()
+        self.item = self.desktop.tray_item(self.program)
+
+    def test_command_line_starts_and_stops_monitoring(self):
+        self.hand_over("start-monitoring")
+        self.item.wait_for_label("Monitoring Active")
+        self.drop("Screenshot.png")
+        self.wait_for_upload("Screenshot.png")
+        self.hand_over("stop-monitoring")
+        self.item.wait_for_label("Monitoring Inactive")
+        self.item.wait_for_label("Monitoring stopped")
+
+    def test_bus_starts_and_stops_monitoring(self):
+        self.act("start-monitoring")
+        self.item.wait_for_label("Monitoring Active")
+        self.act("stop-monitoring")
+        self.item.wait_for_label("Monitoring Inactive")
+
+    def test_tool_of_the_desktop_finds_the_actions(self):
+        # As a desktop without shortcuts for programs would have it bound to a key.
+        self.desktop.screen.run(
+            "gdbus", "call", "--session", "--dest", NAME, "--object-path", PATH,
+            "--method", f"{INTERFACE}.ActivateAction", "start-monitoring", "[]", "{}")
+        self.item.wait_for_label("Monitoring Active")
+
+    def test_clipboard_is_uploaded(self):
+        for count, ask in enumerate((self.act, self.hand_over), 1):
+            self.desktop.screen.set_clipboard("some text")
+            ask("upload-clipboard")
+            self.desktop.notifications.wait_for(DONE, count=count)
+        self.assertIn(b"some text", self.on_server().values())
+
+    def test_settings_are_opened(self):
+        self.act("settings")
+        self.desktop.screen.wait_for_window(SETTINGS)
+        self.hand_over("settings")
+        self.assertEqual(len(self.desktop.screen.windows(SETTINGS)), 1)
+
+    def test_quit(self):
+        self.hand_over("quit")
+        self.assertEqual(self.program.wait(), 0)
+
+    def test_quit_over_the_bus(self):
+        self.act("quit")
+        self.assertEqual(self.program.wait(), 0)
+
+    def test_what_is_so_already_is_ignored(self):
+        self.hand_over("stop-monitoring")
+        self.program.wait_for_line("⚠️ Ignored stop-monitoring: not monitoring")
+        self.act("start-monitoring")
+        line = self.program.wait_for_line(STARTED)
+        self.act("start-monitoring")
+        self.program.wait_for_line("⚠️ Ignored start-monitoring: already monitoring")
+        self.assertEqual(len(self.program.output.all), line + 2)
+
+    def test_unknown_action_is_an_error(self):
+        with self.assertRaisesRegex(GLib.Error, "InvalidArgs"):
+            self.act("format-disk")
+        self.program.wait_for_line("⚠️ Unknown action: format-disk")
+
+    def test_request_with_wrong_arguments_is_an_error(self):
+        with self.assertRaisesRegex(GLib.Error, "UnknownMethod|InvalidArgs"):
+            self.call("ActivateAction", "(s)", "quit")
+        self.assertEqual(self.item.labels()[0], "Monitoring Inactive")
+
+
+class InvalidSettingsTest(InstanceCase):
+    """With no settings the menu offers neither monitoring nor the upload."""
+
+    def test_actions_obey_the_menu(self):
+        program = self.start()
+        item = self.desktop.tray_item(program)
+        for action in ("start-monitoring", "upload-clipboard"):
+            self.assertFalse(item.menu()[3].enabled)
+            self.act(action)
+            program.wait_for_line(f"⚠️ Ignored {action}: the settings are not valid")
+        self.assertEqual(item.labels()[:2], ["Monitoring Inactive", "Ready"])
+        self.assertNotIn("📋 Upload clipboard triggered", program.output.all)
+
+
+class FirstStartTest(InstanceCase):
+    """Nothing runs yet."""
+
+    def test_action_is_done_once_the_program_runs(self):
+        self.store_settings()
+        program = self.start("start-monitoring")
+        program.wait_for_line(STARTED)
+        self.assertEqual(self.desktop.tray_item(program).labels()[0], "Monitoring Active")
+
+    def test_settings_are_opened(self):
+        self.start("settings")
+        self.desktop.screen.wait_for_window(SETTINGS)
+
+    def test_nothing_to_stop_or_to_quit(self):
+        for action in ("stop-monitoring", "quit"):
+            self.hand_over(action)
+            self.assertEqual(self.temporary_folders(), [])
+
+    def test_invalid_settings_leave_it_running(self):
+        program = self.start("upload-clipboard")
+        program.wait_for_line("⚠️ Ignored upload-clipboard: the settings are not valid")
+        self.desktop.tray_item(program)
+
+    def test_wrong_usage(self):
+        for arguments, mistake in ((["--tray"], "there is no option --tray"),
+                                   (["uplaod"], "there is no action uplaod"),
+                                   (["settings", "quit"], "one action at a time")):
+            with self.subTest(arguments):
+                status, output, errors = self.run_to_end(*arguments)
+                self.assertEqual((status, output), (2, []))
+                self.assertEqual(errors[:3], [f"tessery: {mistake}", "",
+                                              "Usage: tessery [ACTION]"])
+
+    def test_help_and_version_need_nothing(self):
+        nothing = {"DISPLAY": "", "DBUS_SESSION_BUS_ADDRESS": "unix:path=/not/there"}
+        status, output, errors = self.run_to_end("--help", environment=nothing)
+        self.assertEqual((status, output[0], errors), (0, "Usage: tessery [ACTION]", []))
+        status, output, errors = self.run_to_end("--version", environment=nothing)
+        self.assertEqual((status, errors), (0, []))
+        self.assertRegex(output[0], r"^tessery \d+\.\d+\.\d+$")
+
+    def test_options_of_the_toolkit_still_work(self):
+        program = self.start("-platform", "offscreen", environment={"DISPLAY": ":not-there"})
+        program.wait_for_line(PERMISSION)
+        processes.wait_until(lambda: self.desktop.bus.has_owner(NAME), 5, "it runs")
+
+
+if __name__ == "__main__":
+    unittest.main()
