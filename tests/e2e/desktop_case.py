@@ -17,12 +17,13 @@ OLD_ICON_WIDTH = 22
 class DesktopCase(unittest.TestCase):
     """Each test has a private desktop. At its end the programs must have left nothing behind.
 
-    A class sets `desktop_options` to have another desktop than the usual one."""
+    A class sets `desktop_kind` and `desktop_options` to have another desktop than the usual one."""
 
+    desktop_kind = Desktop
     desktop_options = {}
 
     def setUp(self):
-        self.desktop = self.enterContext(Desktop(**self.desktop_options))
+        self.desktop = self.enterContext(self.desktop_kind(**self.desktop_options))
         self.programs = []
 
     def tearDown(self):

@@ -5,8 +5,8 @@ import signal
 import time
 import unittest
 
-from desktop import SECONDS_TO_FOLLOW
 from rig import processes
+from rig.private_desktop import SECONDS_TO_FOLLOW
 from servers import Server
 from upload_case import BEGUN, FAILED, PASSWORD, UploadCase
 

@@ -1,12 +1,17 @@
 """The rig itself: what a program leaves behind is found, and what a desktop or server made goes."""
 
 import os
+import pathlib
 import unittest
+import unittest.mock
 
+import rig
 from desktop import Desktop
 from rig import processes
 from servers import Server
+from wayland_desktop import WaylandDesktop
 
+ENTRY = pathlib.Path(rig.__file__).parent / "gtk_entry.py"
 STAY = "exec tail -f /dev/null </dev/null >/dev/null 2>&1"
 
 
@@ -44,6 +49,17 @@ class EndTest(unittest.TestCase):
         self.assertEqual(processes.children(os.getpid()), before)
         self.assertFalse(base.exists())
 
+    def test_wayland_desktops_take_their_processes_and_files_along(self):
+        for compositor in ("sway", "kwin", "mutter"):
+            with self.subTest(compositor):
+                before = processes.children(os.getpid())
+                with WaylandDesktop(compositor, xwayland=True) as desktop:
+                    base = desktop.surroundings.base
+                    desktop.start_program("/bin/sh", "-c", f"({STAY}) & {STAY}")
+                    self.assertGreater(len(processes.descendants(os.getpid())), len(before) + 5)
+                self.assertEqual(processes.children(os.getpid()), before)
+                self.assertFalse(base.exists())
+
     def test_server_takes_its_processes_and_files_along(self):
         for kind in ("sshd", "proftpd-ftp", "asyncssh", "pyftpdlib", "silent"):
             with self.subTest(kind):
@@ -52,6 +68,61 @@ class EndTest(unittest.TestCase):
                 self.assertEqual([pid for pid in below if processes.command_line(pid)], [])
                 if server.facts["root"]:
                     self.assertFalse(os.path.exists(server.root))
+
+
+class WaylandTest(unittest.TestCase):
+    """What the tests on Wayland build upon."""
+
+    def test_programs_run_as_an_ordinary_user(self):
+        with WaylandDesktop(tray=None, notifications=False, keyring=None) as desktop:
+            home = desktop.surroundings.home
+            program = desktop.start_program("/bin/sh", "-c", "id -u; getent passwd $(id -u) | cut -d: -f6; pwd")
+            self.assertEqual(program.wait(), 0)
+            uid, folder, current = program.output.all
+            self.assertNotEqual(uid, "0")
+            self.assertEqual(current, os.getcwd())
+            if os.geteuid() == 0:
+                self.assertEqual(folder, str(home))
+
+    def test_root_without_namespaces_is_told_why_there_is_no_desktop(self):
+        desktop = WaylandDesktop()
+        with (unittest.mock.patch("os.geteuid", lambda: 0),
+              unittest.mock.patch("rig.place.namespaces_allowed", lambda: False)):
+            with self.assertRaisesRegex(RuntimeError, "namespaces .* are forbidden here"):
+                desktop.__enter__()
+        self.assertFalse(desktop.surroundings.base.exists())
+
+    def test_what_was_left_behind_is_found(self):
+        with WaylandDesktop(tray=None, notifications=False, keyring=None) as desktop:
+            desktop.assert_clean()
+            desktop.start_program("/bin/sh", "-c", f"({STAY}) &").wait()
+            with self.assertRaisesRegex(AssertionError, "tail -f"):
+                desktop.assert_clean()
+
+    def test_clipboard_goes_from_program_to_program(self):
+        for compositor in ("sway", "kwin", "mutter"):
+            with self.subTest(compositor), WaylandDesktop(compositor, xwayland=True) as desktop:
+                desktop.screen.set_clipboard("Grüße")
+                self.assertEqual(desktop.screen.clipboard(), "Grüße")
+
+    def test_keys_are_those_of_a_keyboard(self):
+        for compositor in ("sway", "kwin", "mutter"):
+            with self.subTest(compositor), WaylandDesktop(compositor, xwayland=True) as desktop:
+                # Of the windows on mutter only those of X11 programs can be told apart.
+                self.assert_typed(desktop, "x11" if compositor == "mutter" else "wayland")
+
+    def assert_typed(self, desktop, backend):
+        """Text with capitals and keys with modifiers arrive, each once."""
+        program = desktop.start_program("/usr/bin/python3", ENTRY,
+                                        environment={"GDK_BACKEND": backend})
+        desktop.screen.wait_for_window("Entry")
+        desktop.screen.type("aabB (1)")
+        program.wait_for_line("'aabB (1)'")
+        desktop.screen.key("ctrl+a", "shift+Right", "BackSpace")
+        program.wait_for_line("''")
+        desktop.screen.type("z")
+        program.wait_for_line("'z'")
+        self.assertEqual(program.terminate(), -15)
 
 
 if __name__ == "__main__":

@@ -98,9 +98,13 @@ class Bus:
 
 def connect(address):
     """A connection of our own; losing it does not end this process."""
-    connection = Gio.DBusConnection.new_for_address_sync(
-        address, Gio.DBusConnectionFlags.AUTHENTICATION_CLIENT
-        | Gio.DBusConnectionFlags.MESSAGE_BUS_CONNECTION, None, None)
+    # The bus may know us by another number than we do. GLib's functions that make a connection
+    # forget that there is a flag for it.
+    flags = (Gio.DBusConnectionFlags.AUTHENTICATION_CLIENT
+             | Gio.DBusConnectionFlags.MESSAGE_BUS_CONNECTION
+             | Gio.DBusConnectionFlags.CROSS_NAMESPACE)
+    connection = Gio.DBusConnection(address=address, flags=flags)
+    connection.init(None)
     connection.set_exit_on_close(False)
     return connection
 

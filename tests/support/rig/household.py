@@ -12,12 +12,18 @@ _known = set()
 
 
 class Household:
-    """Starts processes and ends them in reverse order; orphans they leave are found and ended."""
+    """Starts processes and ends them in reverse order; orphans they leave are found and ended.
 
-    def __init__(self, environment, log):
+    `admitted` makes of a command the one that runs it as a member of the household."""
+
+    def __init__(self, environment, log, admitted=lambda command: command):
         processes.become_subreaper()
         self.environment = environment
+        self._admitted = admitted
+        # The names of programs that a member lets go, and that are the desktop's all the same.
+        self.let_go = set()
         self._log = open(log, "ab")
+        self._log_path = log
         self._running = []
 
     def start(self, command, environment=None, **more):
@@ -26,11 +32,17 @@ class Household:
         more.setdefault("stdout", self._log)
         more.setdefault("stderr", self._log)
         process = subprocess.Popen(
-            processes.bound([str(part) for part in command]),
+            processes.bound(self._admitted([str(part) for part in command])),
             env={**self.environment, **(environment or {})}, **more)
         self._running.append(process)
         _known.add(process.pid)
         return process
+
+    def run(self, command, **more):
+        """Runs a program of the desktop to its end, as subprocess.run does."""
+        more.setdefault("check", True)
+        return subprocess.run(self._admitted([str(part) for part in command]),
+                              env=self.environment, **more)
 
     def stop(self, process):
         """Ends one of the processes."""
@@ -38,9 +50,14 @@ class Household:
         self._running.remove(process)
         _known.discard(process.pid)
 
+    def log(self):
+        """What the processes of the desktop have said so far."""
+        return self._log_path.read_text(errors="replace")
+
     def orphans(self):
         """Processes that lost their parent and were left to us: process id and command line."""
-        return {pid: line for pid in _adopted() if (line := processes.command_line(pid))}
+        return {pid: line for pid in _adopted() if (line := processes.command_line(pid))
+                and os.path.basename(line.split()[0]) not in self.let_go}
 
     def end(self):
         """Ends everything."""

@@ -62,16 +62,16 @@ class Keyring:
 
     def store(self, password):
         """Stores the server password, as `secret-tool` does; the collection must be unlocked."""
-        subprocess.run(["secret-tool", "store", "--label=Tessery server password", *ATTRIBUTES],
-                       input=password.encode(), env=self._household.environment, check=True)
+        self._household.run(
+            ["secret-tool", "store", "--label=Tessery server password", *ATTRIBUTES],
+            input=password.encode())
 
     def forget(self):
         """Removes the stored server password."""
-        subprocess.run(["secret-tool", "clear", *ATTRIBUTES], env=self._household.environment,
-                       check=True)
+        self._household.run(["secret-tool", "clear", *ATTRIBUTES])
 
     def read(self):
         """The stored server password; None when there is none."""
-        result = subprocess.run(["secret-tool", "lookup", *ATTRIBUTES], capture_output=True,
-                                env=self._household.environment, check=False)
+        result = self._household.run(["secret-tool", "lookup", *ATTRIBUTES], capture_output=True,
+                                     check=False)
         return result.stdout.decode() if result.returncode == 0 else None

@@ -26,13 +26,16 @@ exec /usr/sbin/chroot . /usr/bin/setpriv --inh-caps=-all --ambient-caps=-all --b
   --pdeathsig KILL -- "$@"
 """.replace("FULL_SIZE", FULL_SIZE)
 
-_UNSHARE = ["unshare", "--user", f"--map-user={UID}", f"--map-group={UID}", "--keep-caps",
+
+def unshare(uid):
+    """The command in front of one that runs as `uid` of a namespace of its own."""
+    return ["unshare", "--user", f"--map-user={uid}", f"--map-group={uid}", "--keep-caps",
             "--mount", "--propagation", "private"]
 
 
 def namespaces_allowed():
     """Some containers forbid what the jail is made of."""
-    return subprocess.run([*_UNSHARE, "true"], capture_output=True, check=False).returncode == 0
+    return subprocess.run([*unshare(UID), "true"], capture_output=True, check=False).returncode == 0
 
 
 def make_login_folder(folder):
@@ -79,7 +82,7 @@ class Jail:
 
     def command(self, command):
         """The command that runs `command` in the jail."""
-        return [*_UNSHARE, "sh", "-c", _ENTER, "sh", str(self.root), *command]
+        return [*unshare(UID), "sh", "-c", _ENTER, "sh", str(self.root), *command]
 
     def _show(self, source, name):
         (self.root / name).mkdir()

@@ -7,21 +7,26 @@ from rig.household import Lines
 
 _WITHOUT_PRIVILEGES = """
 shift
-exec setpriv --inh-caps=-all --ambient-caps=-all --bounding-set=-all -- "$@"
+exec setpriv --inh-caps=-all --ambient-caps=-all --bounding-set=-all --pdeathsig KILL -- "$@"
 """
 # ssh takes the home folder from the account, not from HOME. In a namespace the account is ours.
 _OWN_ACCOUNT = 'mount --bind "$1" /etc/passwd'
 _SMALL_FOLDER = 'mount -t tmpfs -o size=64k,mode=700 tmpfs "$1"'
 
 
-def with_own_account(command, surroundings, uid, gid):
-    """The command that runs `command` where the account's home folder is the desktop's HOME."""
+def own_passwd(surroundings, uid, gid):
+    """A file of accounts in which the desktop's HOME is that of this user."""
     passwd = surroundings.base / "passwd"
     others = [line for line in pathlib.Path("/etc/passwd").read_text().splitlines()
               if line.split(":")[2] != str(uid)]
     own = f"tester:x:{uid}:{gid}::{surroundings.home}:/bin/sh"
     passwd.write_text("\n".join([own, *others]) + "\n")
-    return _in_namespace(_OWN_ACCOUNT, passwd, command, uid, gid)
+    return passwd
+
+
+def with_own_account(command, surroundings, uid, gid):
+    """The command that runs `command` where the account's home folder is the desktop's HOME."""
+    return _in_namespace(_OWN_ACCOUNT, own_passwd(surroundings, uid, gid), command, uid, gid)
 
 
 def with_small_folder(command, folder, uid, gid):

@@ -5,33 +5,7 @@ import os
 import re
 import subprocess
 
-from rig import processes
-
-_PANEL = """\
-panels=panel1
-
-[General]
-__userfile__=true
-
-[panel1]
-alignment=-1
-animation-duration=0
-desktop=0
-hidable=false
-iconSize=22
-lineCount=1
-lockPanel=true
-panelSize={panel_size}
-plugins=statusnotifier
-position=Bottom
-width=100
-width-percent=true
-
-[statusnotifier]
-alignment=Right
-type=statusnotifier
-"""
-PANEL_SIZE = 32
+from rig import dunst, lxqt_panel, processes
 
 _x11 = ctypes.CDLL("libX11.so.6")
 _x11.XOpenDisplay.restype = ctypes.c_void_p
@@ -73,6 +47,9 @@ class Screen:
         self.display = f":{number}"
         household.environment["DISPLAY"] = self.display
 
+    def close(self):
+        """Closes what is our own, of which there is nothing."""
+
     def run(self, *command, **more):
         """Runs an X client to its end and returns its output."""
         return subprocess.run([str(part) for part in command], env=self._household.environment,
@@ -83,25 +60,25 @@ class Screen:
         self._household.start(["openbox", "--sm-disable"])
         self.run("xsetroot", "-solid", "#4a6984")
 
-    def wait_for_window_manager(self):
+    def wait_until_ready(self):
         """Waits until the window manager is in charge."""
         processes.wait_until(
             lambda: "window id" in self.run("xprop", "-root", "_NET_SUPPORTING_WM_CHECK"), 10,
             "a window manager")
 
-    def start_panel(self, config_folder):
+    def start_panel(self, surroundings):
         """Starts a panel that holds nothing but the tray, at its right end."""
-        (config_folder / "lxqt").mkdir(exist_ok=True)
-        (config_folder / "lxqt" / "lxqt.conf").write_text("[General]\ntheme=Clearlooks\n")
-        config = config_folder / "lxqt" / "panel.conf"
-        config.write_text(_PANEL.format(panel_size=PANEL_SIZE))
-        return self._household.start(["lxqt-panel", "--config", config])
+        return lxqt_panel.start(self._household, surroundings)
+
+    def start_notification_daemon(self, surroundings):
+        """Starts the service that shows notifications."""
+        return dunst.start(self._household, surroundings)
 
     def start_xembed_tray(self):
         """Starts a tray of the old kind at the bottom right and waits until it is in charge."""
         process = self._household.start(
             ["trayer", "--edge", "bottom", "--align", "right", "--widthtype", "request",
-             "--height", str(PANEL_SIZE), "--transparent", "false"])
+             "--height", str(lxqt_panel.SIZE), "--transparent", "false"])
         processes.wait_until(self._has_xembed_tray, 10, "an XEmbed tray")
         return process
 
@@ -115,7 +92,7 @@ class Screen:
     def click_tray(self, button=3):
         """Clicks on the rightmost tray icon, which is ours when there is one only."""
         width, height = (int(part) for part in self.size.split("x"))
-        self.click(width - PANEL_SIZE // 2, height - PANEL_SIZE // 2, button)
+        self.click(width - lxqt_panel.SIZE // 2, height - lxqt_panel.SIZE // 2, button)
 
     def popups(self):
         """The visible windows that bypass the window manager, such as menus: id -> geometry."""
