@@ -53,7 +53,9 @@ public:
     [[noreturn]] __attribute__((no_sanitize_address)) void exec() const
     {
         ::setsid();
-        // The signal mask survives exec. (So do ignored signals, but Qt has put SIGPIPE right.)
+        // Ignored signals survive exec, and so does the signal mask. Qt puts SIGPIPE right, but
+        // newer versions only after this function would have returned.
+        ::signal(SIGPIPE, SIG_DFL);
         sigset_t none;
         sigemptyset(&none);
         sigprocmask(SIG_SETMASK, &none, nullptr);
