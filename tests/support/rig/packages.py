@@ -7,26 +7,29 @@ import fcntl
 import hashlib
 import os
 import pathlib
+import re
 import shutil
 import subprocess
 
 SOURCE = pathlib.Path(__file__).resolve().parents[3]
 FOLDER = SOURCE / "build" / "test-servers"
 CURRENT = FOLDER / "current"
-PACKAGES = [
-    "openssh-server", "libwrap0",
-    "proftpd-core", "proftpd-mod-crypto",
+SERVERS = ["openssh-server", "proftpd-core", "proftpd-mod-crypto"]
+# What the servers need beyond a usual system; releases of the distribution name some differently.
+LIBRARIES = [
+    "libwrap0", "libwtmpdb0", "libpcre2-posix3", "libsodium23",
     "libhiredis0.14", "libhashkit2", "libmemcached11", "libmemcachedutil2",
-    "libpcre2-posix3", "libsodium23",
+    "libhiredis1.1.0", "libhashkit2t64", "libmemcached11t64", "libmemcachedutil2t64",
 ]
 
 
 def prepare():
     """Unpacks the versions that apt offers now, unless that is done already."""
     with _lock():
-        folder = FOLDER / f"packages-{_version_key()}"
+        offered = _offered()
+        folder = FOLDER / f"packages-{_version_key(offered)}"
         if not folder.exists():
-            _unpack(folder)
+            _unpack(folder, {*SERVERS, *offered})
         _point_current_at(folder)
         for old in FOLDER.glob("packages-*"):
             if old != folder:
@@ -54,20 +57,25 @@ def _lock():
         yield
 
 
-def _version_key():
+def _offered():
+    """The packages that apt offers, and in which version."""
     policy = subprocess.run(
-        ["apt-cache", "policy", *PACKAGES], check=True, capture_output=True, text=True,
+        ["apt-cache", "policy", *SERVERS, *LIBRARIES], check=True, capture_output=True, text=True,
         env={**os.environ, "LC_ALL": "C.UTF-8"}).stdout
-    candidates = [line for line in policy.splitlines() if "Candidate:" in line]
-    return hashlib.sha256("\n".join(candidates).encode()).hexdigest()[:12]
+    versions = dict(re.findall(r"^(\S+):\n.*\n  Candidate: (.*)$", policy, re.MULTILINE))
+    return {name: version for name, version in versions.items() if version != "(none)"}
 
 
-def _unpack(folder):
+def _version_key(offered):
+    return hashlib.sha256(repr(sorted(offered.items())).encode()).hexdigest()[:12]
+
+
+def _unpack(folder, names):
     work = FOLDER / "unpacking"
     shutil.rmtree(work, ignore_errors=True)
     (work / "deb").mkdir(parents=True)
     (work / "root").mkdir()
-    subprocess.run(["apt-get", "-q", "download", *PACKAGES], cwd=work / "deb", check=True,
+    subprocess.run(["apt-get", "-q", "download", *names], cwd=work / "deb", check=True,
                    capture_output=True)
     for package in (work / "deb").glob("*.deb"):
         subprocess.run(["dpkg-deb", "-x", package, work / "root"], check=True)

@@ -6,7 +6,7 @@ import os
 import pwd
 import subprocess
 
-from rig import accounts, daemon, place as places, ports
+from rig import accounts, daemon, packages, place as places, ports
 
 _CONFIG = """\
 ServerName "Test server"
@@ -19,12 +19,13 @@ UseIPv6 off
 UseReverseDNS off
 MaxInstances 100
 ModulePath {servers}/usr/lib/proftpd
-LoadModule mod_tls.c
-LoadModule mod_sftp.c
+{modules}
 ScoreboardFile {etc}/scoreboard
 PidFile {etc}/pid
+<IfModule mod_delay.c>
 DelayTable none
 DelayEngine off
+</IfModule>
 WtmpLog off
 TransferLog none
 SystemLog {etc}/system.log
@@ -38,6 +39,9 @@ Port {port}
 {transfer_rate}
 {protocol}
 """
+
+# The first two are built in where no such file is.
+_MODULES = "mod_ls", "mod_xfer", "mod_tls", "mod_sftp"
 
 _FTPS = """\
 TLSEngine on
@@ -69,7 +73,7 @@ def serve(base, options):
         config = etc / "proftpd.conf"
         config.write_text(_CONFIG.format(
             host=ports.HOST, port=port, account=account, group=group, servers=place.servers, etc=place.inside(etc),
-            passive_first=ports.PASSIVE_PORTS[0], passive_last=ports.PASSIVE_PORTS[-1],
+            modules=_modules(), passive_first=ports.PASSIVE_PORTS[0], passive_last=ports.PASSIVE_PORTS[-1],
             transfer_rate=rate, protocol=protocol))
         return [f"{place.servers}/usr/sbin/proftpd", "-n", "-c", place.inside(config)]
 
@@ -80,6 +84,12 @@ def serve(base, options):
            "root": place.root if place.jailed else None, "folder": place.folder,
            "remotePath": place.inside(place.folder) if is_sftp else "/",
            "log": etc / "system.log", **extra}
+
+
+def _modules():
+    """The lines that load what is not built in."""
+    folder = packages.location() / "usr" / "lib" / "proftpd"
+    return "\n".join(f"LoadModule {name}.c" for name in _MODULES if (folder / f"{name}.so").exists())
 
 
 def _write_accounts(place, options):

@@ -4,7 +4,7 @@ import contextlib
 import getpass
 import os
 
-from rig import accounts, daemon, place as places, ports
+from rig import accounts, daemon, packages, place as places, ports
 
 _CONFIG = """\
 ListenAddress {host}
@@ -21,7 +21,10 @@ KbdInteractiveAuthentication no
 MaxStartups {startups}
 LogLevel VERBOSE
 Subsystem sftp internal-sftp
+{parts}
 """
+# Programs of its own that newer versions start for each connection.
+_PARTS = {"SshdSessionPath": "sshd-session", "SshdAuthPath": "sshd-auth"}
 
 
 @contextlib.contextmanager
@@ -39,7 +42,7 @@ def serve(base, options):
     (etc / "authorized_keys").write_text("" if options.no_keys else (base / "key.pub").read_text())
     (etc / "sshd_config").write_text(_CONFIG.format(
         host=ports.HOST, etc=place.inside(etc), passwords="yes" if passwords else "no",
-        startups=options.max_startups))
+        startups=options.max_startups, parts=_parts(place.servers)))
 
     def command(port):
         return [f"{place.servers}/usr/sbin/sshd", "-D", "-e",
@@ -49,6 +52,13 @@ def serve(base, options):
     yield {"port": port, "user": user, "password": options.password if passwords else None,
            "root": place.root if place.jailed else None, "folder": place.folder,
            "remotePath": place.inside(place.folder), "privateKey": key, "log": base / "log"}
+
+
+def _parts(servers):
+    """The lines that tell where the server's own programs are, where it has such."""
+    folder = "usr/lib/openssh"
+    return "\n".join(f"{setting} {servers}/{folder}/{name}" for setting, name in _PARTS.items()
+                     if (packages.location() / folder / name).exists())
 
 
 def _write_accounts(etc, user, password):
