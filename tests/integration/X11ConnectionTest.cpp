@@ -120,7 +120,7 @@ void X11ConnectionTest::everyScreenHasARoot()
     m_display.reset();
     m_display.emplace(
         QStringList{u"-screen"_s, u"0"_s, u"640x480x24"_s, u"-screen"_s, u"1"_s, u"640x480x24"_s});
-    qputenv("DISPLAY", qgetenv("DISPLAY") + ".1");
+    qputenv("DISPLAY", QByteArray(qgetenv("DISPLAY") + ".1"));
     const auto second = X11Connection::open();
     QCOMPARE(second->roots().size(), 2U);
     QCOMPARE(second->root(), second->roots().at(1));

@@ -22,7 +22,7 @@ public:
         const QByteArray number = line();
         if (m_pid <= 0 || number.isEmpty())
             qFatal("the X server did not start");
-        qputenv("DISPLAY", ':' + number);
+        qputenv("DISPLAY", QByteArray(':' + number));
         qputenv("QT_QPA_PLATFORM", "xcb");
     }
     ~ApplicationDisplay()

@@ -17,7 +17,7 @@ public:
                                QStringLiteral("-noreset")}
                        + options)
     {
-        qputenv("DISPLAY", ':' + m_server.firstLine());
+        qputenv("DISPLAY", QByteArray(':' + m_server.firstLine()));
     }
     ~PrivateDisplay() { qunsetenv("DISPLAY"); }
     PrivateDisplay(const PrivateDisplay &) = delete;

@@ -54,7 +54,7 @@ TestSurroundings::TestSurroundings()
     makeFolder("HOME", m_folder + "/home");
     makeFolder("XDG_RUNTIME_DIR", m_folder + "/run");
     makeFolder("TMPDIR", m_folder + "/tmp");
-    qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=" + m_folder + "/run/no-bus");
+    qputenv("DBUS_SESSION_BUS_ADDRESS", QByteArray("unix:path=" + m_folder + "/run/no-bus"));
     qputenv("QT_QPA_PLATFORM", "offscreen");
     Log::prepareStandardStreams(); // Before the open files are counted.
 }

@@ -99,7 +99,7 @@ private Q_SLOTS:
 
     void slashesAtTheEndOfTheRuntimeFolderDoNotMatter()
     {
-        qputenv("XDG_RUNTIME_DIR", QFile::encodeName(m_runtime) + "//");
+        qputenv("XDG_RUNTIME_DIR", QByteArray(QFile::encodeName(m_runtime) + "//"));
         const TemporaryFolder folder;
         QCOMPARE(QFileInfo(folder.path()).path(), m_runtime);
         QVERIFY(!folder.path().contains("//"_L1));

@@ -225,7 +225,7 @@ private:
             ExpectScript::text(settings, u"/t/b c.txt"_s, password, limits).toUtf8(),
             TemporaryFile::Mode::ReadWriteExecute);
         const QByteArray path = qgetenv("PATH");
-        qputenv("PATH", QFile::encodeName(folder.path()) + ':' + path);
+        qputenv("PATH", QByteArray(QFile::encodeName(folder.path()) + ':' + path));
         const ProcessOutcome outcome = QCoro::waitFor(runChildProcess({script.path(), {}, 10s}));
         qputenv("PATH", path);
         return outcome;

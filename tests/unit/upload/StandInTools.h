@@ -30,7 +30,7 @@ public:
         environment.temporaryFolder = path(u"tmp"_s);
         environment.curl = path(u"bin/curl"_s);
         environment.sftp = path(u"bin/sftp"_s);
-        qputenv("PATH", QFile::encodeName(path(u"bin"_s)) + ':' + m_pathBefore);
+        qputenv("PATH", QByteArray(QFile::encodeName(path(u"bin"_s)) + ':' + m_pathBefore));
         qputenv("SEEN", QFile::encodeName(path(u"seen"_s)));
         qputenv("TMP_SEEN", QFile::encodeName(path(u"tmp"_s)));
     }
