@@ -1,3 +1,4 @@
+#include "CurlVersion.h"
 #include "UploadSurroundings.h"
 #include "support/CapturedOutput.h"
 #include "support/TestMain.h"
@@ -120,6 +121,8 @@ private Q_SLOTS:
         QFETCH(QString, password);
         const auto odd = start(kind, {u"--password="_s + password});
         m_uploads->use(*odd);
+        if (password == u"pässwörd" && curlIsVersion8())
+            QEXPECT_FAIL("", "curl sends the password up to its first letter beyond ASCII", Abort);
         QCOMPARE(m_uploads->upload(), QString());
         QCOMPARE(m_uploads->contentsOf(odd->folder() + u'/' + m_uploads->kName),
                  m_uploads->small());

@@ -1,3 +1,4 @@
+#include "CurlVersion.h"
 #include "UploadSurroundings.h"
 #include "support/CapturedOutput.h"
 #include "support/TestMain.h"
@@ -104,6 +105,11 @@ private Q_SLOTS:
         QFETCH(QString, fact);
         m_uploads->settings.remotePath = m_server->fact(fact.toLatin1().constData());
         const QString told = m_uploads->upload();
+        if (fact == u"readOnlyPath" && curlIsVersion8()) {
+            // The server hangs up the second connection before it says why, and curl complains.
+            QVERIFY2(told.startsWith(u"Upload failed: * TLS connect error: "_s), qPrintable(told));
+            return;
+        }
         QVERIFY2(told.startsWith(u"Upload failed: FTP upload failed (exit code "_s),
                  qPrintable(told));
         QVERIFY2(told.contains(u"550"_s), qPrintable(told));

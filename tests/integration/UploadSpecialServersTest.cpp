@@ -1,3 +1,4 @@
+#include "CurlVersion.h"
 #include "SshAgent.h"
 #include "UploadSurroundings.h"
 #include "support/CapturedOutput.h"
@@ -48,7 +49,10 @@ private Q_SLOTS:
         m_uploads->settings.serverType = type;
         m_uploads->settings.remotePath = server.fact("fullPath");
         const QString told = uploadLarge();
-        QVERIFY2(told.startsWith(u"Upload failed: FTP upload failed (exit code "_s),
+        // The server hangs up in mid-transfer; newer versions of curl tell it in their own words.
+        const bool hasWords = type == ServerType::ftps && curlIsVersion8();
+        QVERIFY2(told.startsWith(hasWords ? u"Upload failed: * OpenSSL SSL_write: "_s
+                                          : u"Upload failed: FTP upload failed (exit code "_s),
                  qPrintable(told));
         QVERIFY(!told.contains(u"s3cr3t"_s));
     }
