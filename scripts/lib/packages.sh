@@ -16,12 +16,20 @@ desktop_packages=(
   fonts-dejavu-core fonts-noto-color-emoji
   python3-asyncssh
 )
-test_packages=(
+style_packages=(
   clang-format-16 clang-tidy-16
+)
+test_packages=(
   dbus-x11 python3-dbus python3-dbusmock python3-pyftpdlib
   openssl trayer x11-xkb-utils strace libxcb-xtest0-dev xserver-xephyr
   gir1.2-gtk-3.0 python3-xlib pcmanfm-qt thunar xfce4-settings xfconf
   at-spi2-core dex
+)
+
+# GNOME with its own portal and dialogs, and the service behind KDE's shortcuts.
+debian13_packages=(
+  gnome-shell gnome-control-center xdg-desktop-portal xdg-desktop-portal-gnome
+  kglobalacceld
 )
 
 # Installs those of the packages that are missing; asks the package manager only if some are.
