@@ -4,6 +4,7 @@
 #include "base/Log.h"
 #include "base/SystemError.h"
 #include "platform/linux/LinuxPlatform.h"
+#include "platform/linux/WindowSystem.h"
 
 #include <QApplication>
 
@@ -54,9 +55,10 @@ int main(int argc, char *argv[])
     QApplication::setApplicationDisplayName(QStringLiteral("Tessery"));
     QApplication::setApplicationVersion(QStringLiteral(TESSERY_VERSION));
     QGuiApplication::setDesktopFileName(kAppIdentifier);
-    const QApplication application(argc, argv);
+    WindowSystem windowSystem(argc, argv);
+    const QApplication application(windowSystem.argumentCount(), windowSystem.arguments());
 
-    LinuxPlatform platform(std::move(remoteControl));
+    LinuxPlatform platform(windowSystem.surroundings(), std::move(remoteControl));
     Platform::setCurrent(&platform);
     try {
         return TesseryApp(platform).run();

@@ -5,9 +5,10 @@ build_packages=(
   build-essential cmake ninja-build pkg-config
   qt6-base-dev libgl1-mesa-dev qt6-svg-dev qcoro-qt6-dev nlohmann-json3-dev
   libpng-dev zlib1g-dev libsecret-1-dev libxcb1-dev x11proto-dev libxkbcommon-x11-dev
+  libwayland-dev libwayland-bin
 )
 run_packages=(
-  qt6-qpa-plugins libqt6svg6 qt6-image-formats-plugins curl openssh-client expect
+  qt6-qpa-plugins qt6-wayland libqt6svg6 qt6-image-formats-plugins curl openssh-client expect
 )
 desktop_packages=(
   dbus python3 python3-gi libglib2.0-bin gnome-keyring libsecret-tools
@@ -24,6 +25,7 @@ test_packages=(
   openssl trayer x11-xkb-utils strace libxcb-xtest0-dev xserver-xephyr
   gir1.2-gtk-3.0 python3-xlib pcmanfm-qt thunar xfce4-settings xfconf
   at-spi2-core dex
+  sway wl-clipboard
 )
 
 # GNOME with its own portal and dialogs, and the service behind KDE's shortcuts.

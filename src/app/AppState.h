@@ -85,7 +85,7 @@ private:
     void cleanupEventTap();
     bool keyPressed(const KeyPress &press);
 
-    void reportSuccess(const QString &url, const QString &displayName);
+    [[nodiscard]] QCoro::Task<> reportSuccess(QString url, QString displayName);
     void reportFailure(const QString &error);
     QString generateRemoteFilename(const QUrl &fileURL) const;
 

@@ -101,12 +101,13 @@ QCoro::Task<> AppState::uploadFile(QUrl fileURL, QString remoteFileName, QString
     if (error)
         reportFailure(*error);
     else
-        reportSuccess(publicAddress(m_settings.publicURLBase, remoteFileName), displayName);
+        co_await reportSuccess(publicAddress(m_settings.publicURLBase, remoteFileName),
+                               displayName);
 }
 
-void AppState::reportSuccess(const QString &url, const QString &displayName)
+QCoro::Task<> AppState::reportSuccess(QString url, QString displayName)
 {
-    const bool copied = m_platform.pasteboard->writeText(url);
+    const bool copied = co_await m_platform.pasteboard->writeText(url);
     setLastUploadStatus(u"✅ Uploaded: "_s + displayName);
     if (copied) {
         sendNotification(u"✅ Screenshot Uploaded"_s, u"URL copied to clipboard: "_s + url, false);

@@ -26,6 +26,9 @@ public:
     int get() const { return m_fd; }
     bool isOpen() const { return m_fd >= 0; }
 
+    /// Gives the descriptor to the caller, who closes it from now on.
+    [[nodiscard]] int release() { return std::exchange(m_fd, -1); }
+
 private:
     int m_fd = -1;
 };

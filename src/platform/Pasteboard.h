@@ -43,8 +43,9 @@ public:
     virtual std::unique_ptr<PasteboardContent> content() = 0;
 
     /// Replaces the clipboard's content by text. True once other programs can read it; not
-    /// available: false.
-    [[nodiscard]] virtual bool writeText(const QString &text) = 0;
+    /// available, or taken over by another program at once: false. Ends in any case, after some
+    /// seconds if need be. Of several at a time, the last one called is the last one written.
+    [[nodiscard]] virtual QCoro::Task<bool> writeText(QString text) = 0;
 
     /// Gives text that was written to whoever keeps it when this program is gone. Ends after a
     /// second at the latest. To be called last.

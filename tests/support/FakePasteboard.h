@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/OneShot.h"
 #include "platform/Pasteboard.h"
 
 /// A clipboard that can hold one content of each kind at once.
@@ -11,14 +12,16 @@ public:
         return std::make_unique<Content>(*this);
     }
 
-    bool writeText(const QString &newText) override
+    QCoro::Task<bool> writeText(QString newText) override
     {
         if (!isWritable)
-            return false;
+            co_return false;
         addresses.clear();
         text = newText;
         image.reset();
-        return true;
+        if (writingEnds)
+            co_await *writingEnds;
+        co_return true;
     }
 
     QCoro::Task<> handOver() override
@@ -31,6 +34,7 @@ public:
     QString text;
     std::optional<QByteArray> image;
     bool isWritable = true;
+    OneShot *writingEnds = nullptr; ///< If set, it is not told before that whether text is there.
     int timesRead = 0;
     int timesHandedOver = 0;
     QStringList asked; ///< The kinds that were asked for, in order.

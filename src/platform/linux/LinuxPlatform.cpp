@@ -6,11 +6,13 @@
 #include "platform/linux/FreedesktopNotificationCenter.h"
 #include "platform/linux/InotifyFolderWatcher.h"
 #include "platform/linux/LibsecretStore.h"
+#include "platform/linux/NoPasteboard.h"
 #include "platform/linux/QtAppInfo.h"
 #include "platform/linux/QtFolderAccessPanel.h"
 #include "platform/linux/QtStandardFolders.h"
 #include "platform/linux/SettingsFileStore.h"
 #include "platform/linux/TrayMenuBarExtra.h"
+#include "platform/linux/wayland/WaylandPasteboard.h"
 #include "platform/linux/x11/X11KeyboardLayout.h"
 #include "platform/linux/x11/X11EventTap.h"
 #include "platform/linux/x11/X11Pasteboard.h"
@@ -19,14 +21,36 @@
 
 #include <utility>
 
-LinuxPlatform::LinuxPlatform(std::unique_ptr<DBusRemoteControl> dbusRemoteControl)
+namespace {
+
+/// Whether the toolkit shows our windows on an X display.
+bool isOnXDisplay()
+{
+    return qGuiApp->nativeInterface<QNativeInterface::QX11Application>() != nullptr;
+}
+
+std::unique_ptr<Pasteboard> makePasteboard(const Surroundings &surroundings)
+{
+    // Whatever the windows are shown on: what X programs see of it may be much less.
+    if (surroundings.offersDataControl)
+        return std::make_unique<WaylandPasteboard>();
+    // Compositors that do not share their clipboard keep that of the X display in step with it.
+    if (isOnXDisplay())
+        return std::make_unique<X11Pasteboard>();
+    return std::make_unique<NoPasteboard>();
+}
+
+} // namespace
+
+LinuxPlatform::LinuxPlatform(const Surroundings &surroundings,
+                             std::unique_ptr<DBusRemoteControl> dbusRemoteControl)
 {
     remoteControl = std::move(dbusRemoteControl);
     folders = std::make_unique<QtStandardFolders>();
     preferences = std::make_unique<SettingsFileStore>();
     secrets = std::make_unique<LibsecretStore>(std::make_unique<FileSecretStore>());
     notifications = std::make_unique<FreedesktopNotificationCenter>();
-    pasteboard = std::make_unique<X11Pasteboard>();
+    pasteboard = makePasteboard(surroundings);
     menuBarExtra = std::make_unique<TrayMenuBarExtra>();
     folderAccessPanel = std::make_unique<QtFolderAccessPanel>();
     keyboardLayout = std::make_unique<X11KeyboardLayout>();
@@ -35,10 +59,11 @@ LinuxPlatform::LinuxPlatform(std::unique_ptr<DBusRemoteControl> dbusRemoteContro
     loginItem = std::move(autostart);
     systemSettings = std::make_unique<DesktopSystemSettings>();
     appInfo = std::make_unique<QtAppInfo>(QStringLiteral(TESSERY_BUILD));
-    makeEventTap = [](const std::optional<KeyPress> &wanted,
-                      EventTap::OnKeyDown onKeyDown) -> std::unique_ptr<EventTap> {
+    makeEventTap = [isWaylandSession = surroundings.isWaylandSession](
+                       const std::optional<KeyPress> &wanted,
+                       EventTap::OnKeyDown onKeyDown) -> std::unique_ptr<EventTap> {
         // The X display of a Wayland session hears only the keys for its own windows.
-        if (!qGuiApp->nativeInterface<QNativeInterface::QX11Application>())
+        if (isWaylandSession || !isOnXDisplay())
             return nullptr;
         return X11EventTap::make(wanted, std::move(onKeyDown));
     };

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/Platform.h"
+#include "platform/linux/Surroundings.h"
 #include "platform/linux/TerminationSignals.h"
 #include "platform/linux/dbus/DBusRemoteControl.h"
 
@@ -8,7 +9,8 @@
 class LinuxPlatform : public Platform {
 public:
     /// remoteControl has made this process the one that runs.
-    explicit LinuxPlatform(std::unique_ptr<DBusRemoteControl> remoteControl);
+    LinuxPlatform(const Surroundings &surroundings,
+                  std::unique_ptr<DBusRemoteControl> remoteControl);
 
 private:
     TerminationSignals m_terminationSignals;

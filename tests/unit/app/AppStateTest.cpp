@@ -259,6 +259,22 @@ private Q_SLOTS:
         QVERIFY(output.lines().contains(u"❌ Could not write to the clipboard"_s));
     }
 
+    void successIsToldOnlyOnceTheClipboardHasTheAddress()
+    {
+        OneShot written;
+        m_platform->fakePasteboard->writingEnds = &written;
+        makeState(validSettings());
+        m_state->startMonitoring();
+        screenshotAppears(kShot);
+        QTRY_COMPARE(m_platform->fakePasteboard->text, u"https://x.org/shots/"_s + kShot);
+        QCOMPARE(m_state->lastUploadStatus(), u"📤 Uploading "_s + kShot + u"..."_s);
+        QCOMPARE(m_platform->fakeNotifications->delivered.back().title, u"Uploading Screenshot"_s);
+        written.fire();
+        QTRY_COMPARE(m_state->lastUploadStatus(), u"✅ Uploaded: "_s + kShot);
+        QCOMPARE(m_platform->fakeNotifications->delivered.back().title,
+                 u"✅ Screenshot Uploaded"_s);
+    }
+
     void refusedNotificationsAreLoggedAndTheUploadCompletes()
     {
         m_platform->fakeNotifications->granted = false;

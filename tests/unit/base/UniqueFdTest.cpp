@@ -30,6 +30,18 @@ private Q_SLOTS:
         QCOMPARE(fd.get(), -1);
     }
 
+    void releasedOneIsTheCallers()
+    {
+        int number = -1;
+        {
+            UniqueFd fd(openSomething());
+            number = fd.release();
+            QVERIFY(!fd.isOpen());
+        }
+        QVERIFY(isOpen(number));
+        ::close(number);
+    }
+
     void destructorCloses()
     {
         const int number = openSomething();

@@ -81,7 +81,7 @@ std::unique_ptr<PasteboardContent> X11Pasteboard::content()
         reader ? std::make_unique<X11ClipboardSource>(std::move(reader)) : nullptr);
 }
 
-bool X11Pasteboard::writeText(const QString &text)
+QCoro::Task<bool> X11Pasteboard::writeText(QString text)
 {
     QClipboard *const clipboard = QGuiApplication::clipboard();
     for (int turn = 0; turn < kTurns; ++turn) {
@@ -91,9 +91,9 @@ bool X11Pasteboard::writeText(const QString &text)
         clipboard->setMimeData(content.release()); // The clipboard owns it.
         // Asks the display who owns the clipboard; ownsClipboard() only knows that we have tried.
         if (clipboard->mimeData() == ours)
-            return true;
+            co_return true;
     }
-    return false;
+    co_return false;
 }
 
 QCoro::Task<> X11Pasteboard::handOver()

@@ -7,6 +7,6 @@
 class X11Pasteboard final : public Pasteboard {
 public:
     std::unique_ptr<PasteboardContent> content() override;
-    bool writeText(const QString &text) override;
+    QCoro::Task<bool> writeText(QString text) override;
     QCoro::Task<> handOver() override;
 };
