@@ -1,5 +1,6 @@
 #!/usr/bin/python3
-"""The demo itself: demo.py PROGRAM PICTURES [--here]. It ends with 0 only if every step held."""
+"""The demo itself: demo.py PROGRAM PICTURES [--here | --wayland]. It ends with 0 only if every step
+held."""
 
 import contextlib
 import datetime
@@ -21,8 +22,13 @@ sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "tests" / "
 from desktop import Desktop
 from rig import ports
 from servers import Server
+from wayland_desktop import WaylandDesktop
 
 PASSWORD = 'not {so} "simple" $ecret'
+# sway has no shortcuts that programs can ask for; it is told to pass one on, as a person would.
+SWAY_SHORTCUT = ("bindsym Mod4+Shift+u exec gdbus call --session --dest org.tessery.Tessery "
+                 "--object-path /org/tessery/Tessery "
+                 "--method org.freedesktop.Application.ActivateAction upload-clipboard [] {}")
 TEXT = "Copied text: naïve, 日本, 🙂\r\nand its second line\n"
 
 
@@ -133,15 +139,24 @@ def quit_program(desktop, program):
     desktop.assert_clean()
 
 
-def run(path, pictures, here):
+def make_desktop(option):
+    """The desktop that was asked for, and what is said of it."""
+    if option == "--wayland":
+        return (WaylandDesktop("sway", more=SWAY_SHORTCUT),
+                "a private Wayland desktop: sway, waybar, mako, keyring")
+    window_on = dict(os.environ) if option == "--here" else None
+    return Desktop(window_on=window_on), "a private desktop: display, panel, notifications, keyring"
+
+
+def run(path, pictures, option):
     """All of the demo."""
     step = Steps()
     program = None
     try:
         with contextlib.ExitStack() as stack:
-            with step("a private desktop: display, panel, notifications, keyring"):
-                window_on = dict(os.environ) if here else None
-                desktop = stack.enter_context(Desktop(window_on=window_on))
+            desktop, kind = make_desktop(option)
+            with step(kind):
+                stack.enter_context(desktop)
             with step("a private SFTP server, and a web server over its folder"):
                 server = stack.enter_context(Server("asyncssh", password=PASSWORD))
                 base = stack.enter_context(web_server(server.folder))
@@ -153,7 +168,7 @@ def run(path, pictures, here):
                 desktop.tray_item(program)
             links = [publish(step, desktop, program, base, pictures),
                      publish_text(step, desktop, program, base, pictures)]
-            if here and sys.stdin.isatty():
+            if option == "--here" and sys.stdin.isatty():
                 input("  The desktop is still there to look at. Press Enter to end the demo. ")
             with step("Tessery quit by its menu, leaving nothing behind"):
                 quit_program(desktop, program)
@@ -176,7 +191,7 @@ def main():
     pictures.mkdir(parents=True, exist_ok=True)
     for old in pictures.glob("*.png"):
         old.unlink()
-    sys.exit(run(path.resolve(), pictures, "--here" in sys.argv[3:]))
+    sys.exit(run(path.resolve(), pictures, "".join(sys.argv[3:])))
 
 
 if __name__ == "__main__":

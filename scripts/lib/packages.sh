@@ -17,6 +17,9 @@ desktop_packages=(
   fonts-dejavu-core fonts-noto-color-emoji
   python3-asyncssh
 )
+sway_packages=(
+  sway swaybg waybar mako-notifier grim wl-clipboard
+)
 style_packages=(
   clang-format-16 clang-tidy-16
 )
@@ -25,7 +28,7 @@ test_packages=(
   openssl trayer x11-xkb-utils strace libxcb-xtest0-dev xserver-xephyr
   gir1.2-gtk-3.0 python3-xlib pcmanfm-qt thunar xfce4-settings xfconf
   at-spi2-core dex
-  sway wl-clipboard
+  xwayland kwin-wayland mutter
 )
 
 # GNOME with its own portal and dialogs, and the service behind KDE's shortcuts.
