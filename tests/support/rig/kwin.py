@@ -45,7 +45,8 @@ class Kwin(WaylandScreen):
             [self._folder / _PROGRAM, "--virtual", "--width", width, "--height", height,
              "--socket", "wayland-kwin", "--no-lockscreen",
              *(["--xwayland", self.tell_display()] if xwayland else [])],
-            {**_ENVIRONMENT, **household.environment})
+            # Its own theme makes kwin 6 crash where Plasma is not installed.
+            {**_ENVIRONMENT, **household.environment, "QT_QPA_PLATFORMTHEME": "generic"})
         if xwayland:
             self.note_display()
         with member_socket.connected(household, path) as connected:

@@ -16,8 +16,8 @@ mount -t tmpfs -o mode=1777 tmpfs /tmp/.X11-unix
 echo
 exec cat
 """
-_DROP = ["setpriv", "--inh-caps=-all", "--ambient-caps=-all", "--bounding-set=-all",
-         "--pdeathsig", "KILL", "--"]
+# Who joins the namespace like this has no capability in it.
+_END_WITH_US = ["setpriv", "--pdeathsig", "KILL", "--"]
 
 
 class OrdinaryUser:
@@ -38,7 +38,7 @@ class OrdinaryUser:
     def admitted(self, command):
         """The command that runs a command as this user."""
         return ["nsenter", f"--target={self._process.pid}", "--user", "--preserve-credentials",
-                "--mount", f"--wdns={os.getcwd()}", *_DROP, *command]
+                "--mount", f"--wdns={os.getcwd()}", *_END_WITH_US, *command]
 
     def close(self):
         """Lets the namespace go, once nobody is in it."""

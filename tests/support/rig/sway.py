@@ -11,6 +11,7 @@ from rig.wayland_screen import WaylandScreen
 
 _CONFIG = """\
 output * mode {size}
+swaybg_command -
 xwayland {xwayland}
 font DejaVu Sans 10
 {more}
@@ -46,7 +47,7 @@ class Sway(WaylandScreen):
             self.note_display()
         self._size = [int(part) for part in size.split("x")]
         self.input = VirtualInput(path, self._size)
-        # The one that sway starts would be an orphan.
+        # One that sway starts would be an orphan.
         household.start(["swaybg", "--color", "#4a6984"])
 
     def _answers(self):
