@@ -8,7 +8,7 @@ build_packages=(
   libwayland-dev libwayland-bin
 )
 run_packages=(
-  qt6-qpa-plugins qt6-wayland libqt6svg6 qt6-image-formats-plugins curl openssh-client expect
+  qt6-wayland libqt6svg6 qt6-image-formats-plugins curl openssh-client expect xdg-utils
 )
 desktop_packages=(
   dbus python3 python3-gi libglib2.0-bin gnome-keyring libsecret-tools
@@ -29,6 +29,13 @@ test_packages=(
   gir1.2-gtk-3.0 python3-xlib pcmanfm-qt thunar xfce4-settings xfconf
   at-spi2-core dex
   xwayland kwin-wayland mutter
+  desktop-file-utils appstream mandoc binutils
+)
+package_packages=(
+  debhelper dpkg-dev git lintian
+)
+chroot_packages=(
+  debootstrap util-linux
 )
 
 # GNOME with its own portal and dialogs, and the service behind KDE's shortcuts.

@@ -6,6 +6,7 @@
 #include "base/Log.h"
 #include "base/SecureRandom.h"
 #include "platform/Platform.h"
+#include "ui/Symbol.h"
 #include "ui/settings/SettingsView.h"
 
 #include <QApplication>
@@ -27,6 +28,7 @@ TesseryApp::TesseryApp(Platform &platform, std::chrono::milliseconds trayPatienc
                          }})
 {
     QApplication::setQuitOnLastWindowClosed(false);
+    QApplication::setWindowIcon(Symbol::menuBarIcon());
     m_trayPatience.setSingleShot(true);
     m_trayPatience.callOnTimeout([this] { onTrayPatienceOver(); });
     m_trayPatience.start(trayPatience);

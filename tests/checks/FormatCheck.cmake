@@ -2,7 +2,7 @@
 cmake_minimum_required(VERSION 3.25)
 
 set(patterns "")
-foreach(folder IN ITEMS src tests bench)
+foreach(folder IN ITEMS src tests bench packaging)
   list(APPEND patterns "${SOURCE}/${folder}/*.h" "${SOURCE}/${folder}/*.cpp")
 endforeach()
 file(GLOB_RECURSE files ${patterns})
