@@ -28,7 +28,7 @@ test_packages=(
   openssl trayer x11-xkb-utils strace libxcb-xtest0-dev xserver-xephyr
   gir1.2-gtk-3.0 python3-xlib pcmanfm-qt thunar xfce4-settings xfconf
   at-spi2-core dex
-  xwayland kwin-wayland mutter
+  xwayland kwin-wayland mutter wev
   desktop-file-utils appstream mandoc binutils
 )
 package_packages=(

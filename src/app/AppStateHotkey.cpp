@@ -10,16 +10,18 @@ void AppState::setupGlobalHotkey()
 {
     cleanupEventTap();
     const auto &shortcut = m_settings.uploadClipboardShortcut;
-    m_eventTap =
-        m_platform.makeEventTap(Hotkey::pressOf(shortcut),
-                                // The tap is ours and hears nothing once it is gone.
-                                [this](const KeyPress &press) { return keyPressed(press); });
-    if (!m_eventTap) {
-        Log::line(
-            u"❌ Failed to create event tap. Grant Accessibility permission in System Settings."_s);
-        return;
-    }
-    Log::line(u"✅ Global hotkey registered: "_s + shortcut.displayString());
+    // The tap is ours, and neither hears nor decides anything once it is gone.
+    m_eventTap = m_platform.makeEventTap(
+        Hotkey::pressOf(shortcut), [this](const KeyPress &press) { return keyPressed(press); },
+        [this, name = shortcut.displayString()](bool isHeard) {
+            if (isHeard) {
+                Log::line(u"✅ Global hotkey registered: "_s + name);
+            } else {
+                Log::line(u"❌ Failed to create event tap. "
+                          "Grant Accessibility permission in System Settings."_s);
+                cleanupEventTap();
+            }
+        });
 }
 
 void AppState::cleanupEventTap()

@@ -2,20 +2,7 @@
 
 import unittest
 
-from desktop_case import PROGRAM
-from wayland_case import WaylandCase
-
-
-class KwinCase(WaylandCase):
-    """The program without its symbols, which kwin would take its time to read."""
-
-    desktop_options = {"compositor": "kwin"}
-
-    def start(self, *arguments, **options):
-        program = self.desktop.start_program(self.desktop.screen.slimmed(PROGRAM), *arguments,
-                                             **options)
-        self.programs.append(program)
-        return program
+from kwin_case import KwinCase
 
 
 class UploadTest(KwinCase):

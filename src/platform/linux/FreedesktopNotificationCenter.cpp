@@ -1,6 +1,7 @@
 #include "platform/linux/FreedesktopNotificationCenter.h"
 
 #include "base/AppIdentifier.h"
+#include "platform/linux/dbus/BusFlush.h"
 
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
@@ -19,9 +20,6 @@ constexpr QLatin1String kPath("/org/freedesktop/Notifications");
 
 /// The "normal" of the three urgencies; "critical" would stay until it is dismissed.
 constexpr uchar kNormalUrgency = 1;
-
-/// How long the bus may take for its last answer.
-constexpr int kFlushMilliseconds = 2000;
 
 QDBusMessage methodCall(QLatin1String method)
 {
@@ -45,11 +43,7 @@ FreedesktopNotificationCenter::~FreedesktopNotificationCenter()
     deliverWaiting(); // Nobody will be there for the answer that they wait for.
     if (findChildren<QDBusPendingCallWatcher *>().isEmpty())
         return;
-    // The toolkit sends from a thread of its own, which drops what is left when the program ends.
-    // Once the bus has answered, everything before the question has been sent.
-    m_bus.call(QDBusMessage::createMethodCall(u"org.freedesktop.DBus"_s, u"/org/freedesktop/DBus"_s,
-                                              u"org.freedesktop.DBus"_s, u"GetId"_s),
-               QDBus::Block, kFlushMilliseconds);
+    flushBus(m_bus);
 }
 
 void FreedesktopNotificationCenter::setDelegate(UserNotificationCenterDelegate *delegate)

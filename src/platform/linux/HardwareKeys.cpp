@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <string_view>
 
 namespace {
 
@@ -21,6 +22,14 @@ constexpr auto kPositions = std::to_array<std::uint16_t>({
     KEY_N,          KEY_M,         KEY_DOT, // 47
 });
 
+/// What the keys type, in the same order.
+constexpr std::string_view kSymbols = "asdfhgzxcv"
+                                      " bqweryt"
+                                      "123465=97-80"
+                                      "]ou[ip"
+                                      " lj'k;\\,/nm.";
+static_assert(kSymbols.size() == kPositions.size());
+
 } // namespace
 
 std::optional<std::int64_t> HardwareKeys::keyCode(std::uint32_t position)
@@ -37,4 +46,10 @@ std::optional<std::uint32_t> HardwareKeys::position(std::int64_t keyCode)
         return std::nullopt;
     const std::uint32_t found = kPositions.at(static_cast<std::size_t>(keyCode));
     return found == KEY_RESERVED ? std::nullopt : std::optional(found);
+}
+
+std::optional<char> HardwareKeys::symbol(std::int64_t keyCode)
+{
+    return position(keyCode) ? std::optional(kSymbols.at(static_cast<std::size_t>(keyCode)))
+                             : std::nullopt;
 }

@@ -14,4 +14,8 @@ std::optional<std::int64_t> keyCode(std::uint32_t position);
 /// The position of a key code. Absent for codes that no shortcut can have.
 std::optional<std::uint32_t> position(std::int64_t keyCode);
 
+/// What a US keyboard types with the key of a key code, without modifiers. Absent for codes that no
+/// shortcut can have.
+std::optional<char> symbol(std::int64_t keyCode);
+
 } // namespace HardwareKeys

@@ -12,6 +12,9 @@
 #include "platform/linux/QtStandardFolders.h"
 #include "platform/linux/SettingsFileStore.h"
 #include "platform/linux/TrayMenuBarExtra.h"
+#include "platform/linux/dbus/PortalConnection.h"
+#include "platform/linux/dbus/SessionBusEventTap.h"
+#include "platform/linux/wayland/WaylandKeyboardLayout.h"
 #include "platform/linux/wayland/WaylandPasteboard.h"
 #include "platform/linux/x11/X11KeyboardLayout.h"
 #include "platform/linux/x11/X11EventTap.h"
@@ -53,20 +56,30 @@ LinuxPlatform::LinuxPlatform(const Surroundings &surroundings,
     pasteboard = makePasteboard(surroundings);
     menuBarExtra = std::make_unique<TrayMenuBarExtra>();
     folderAccessPanel = std::make_unique<QtFolderAccessPanel>();
-    keyboardLayout = std::make_unique<X11KeyboardLayout>();
+    if (isOnXDisplay())
+        keyboardLayout = std::make_unique<X11KeyboardLayout>();
+    else
+        keyboardLayout = std::make_unique<WaylandKeyboardLayout>();
     auto autostart = std::make_unique<AutostartEntry>(QCoreApplication::applicationFilePath());
     autostart->followMovedProgram();
     loginItem = std::move(autostart);
     systemSettings = std::make_unique<DesktopSystemSettings>();
     appInfo = std::make_unique<QtAppInfo>(QStringLiteral(TESSERY_BUILD));
-    makeEventTap = [isWaylandSession = surroundings.isWaylandSession](
-                       const std::optional<KeyPress> &wanted,
-                       EventTap::OnKeyDown onKeyDown) -> std::unique_ptr<EventTap> {
-        // The X display of a Wayland session hears only the keys for its own windows.
-        if (isWaylandSession || !isOnXDisplay())
-            return nullptr;
-        return X11EventTap::make(wanted, std::move(onKeyDown));
-    };
+    if (surroundings.isWaylandSession) {
+        makeEventTap = [portal = std::make_shared<PortalConnection>()](
+                           const std::optional<KeyPress> &wanted, EventTap::OnKeyDown onKeyDown,
+                           EventTap::OnDecided onDecided) {
+            return SessionBusEventTap::make(portal, wanted, std::move(onKeyDown),
+                                            std::move(onDecided));
+        };
+    } else {
+        makeEventTap = [](const std::optional<KeyPress> &wanted, EventTap::OnKeyDown onKeyDown,
+                          const EventTap::OnDecided &onDecided) -> std::unique_ptr<EventTap> {
+            auto tap = isOnXDisplay() ? X11EventTap::make(wanted, std::move(onKeyDown)) : nullptr;
+            onDecided(tap != nullptr);
+            return tap;
+        };
+    }
     makeFolderWatcher = [] {
         return std::make_unique<InotifyFolderWatcher>();
     };

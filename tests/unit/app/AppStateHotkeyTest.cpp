@@ -46,6 +46,42 @@ private Q_SLOTS:
         QTRY_COMPARE(m_state->lastUploadStatus(), u"✅ Uploaded: clipboard text"_s);
     }
 
+    void nothingIsSaidBeforeTheDesktopHasDecided()
+    {
+        taps().isSlow = true;
+        CapturedOutput output;
+        makeState();
+        QVERIFY(!output.lines().join(u'\n').contains(u"hotkey"_s));
+        taps().decide(true);
+        QCOMPARE(output.lines().count(u"✅ Global hotkey registered: ⌘⇧U"_s), 1);
+        QCOMPARE(taps().press(kDefaultPress), true);
+    }
+
+    void lateRefusalIsLoggedAndLeavesNoTap()
+    {
+        taps().isSlow = true;
+        makeState();
+        CapturedOutput output;
+        taps().decide(false);
+        QCOMPARE(
+            output.lines(),
+            QStringList{
+                u"❌ Failed to create event tap. Grant Accessibility permission in System Settings."_s});
+        QCOMPARE(taps().installed, 0);
+    }
+
+    void lateDecisionNamesTheShortcutThatItIsAbout()
+    {
+        taps().isSlow = true;
+        makeState();
+        UploadSettings settings;
+        settings.uploadClipboardShortcut = {u"s"_s, {KeyModifier::control}};
+        m_state->setSettings(settings); // Stored and registered a moment later.
+        CapturedOutput output;
+        taps().decide(true);
+        QCOMPARE(output.lines(), QStringList{u"✅ Global hotkey registered: ⌘⇧U"_s});
+    }
+
     void nextSetupTriesAgainAfterARefusal()
     {
         taps().isRefused = true;

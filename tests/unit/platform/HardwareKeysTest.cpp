@@ -102,10 +102,12 @@ void HardwareKeysTest::keyHasItsPlaceOnAUsKeyboard_data()
 {
     QTest::addColumn<quint32>("position");
     QTest::addColumn<qint64>("keyCode");
+    QTest::addColumn<char>("symbol");
     for (const Run &run : runs()) {
         quint32 position = run.firstPosition;
         for (const Key &key : run.keys)
-            QTest::addRow("%c", key.character) << position++ << qint64{key.keyCode};
+            QTest::addRow("%c", key.character)
+                << position++ << qint64{key.keyCode} << key.character;
     }
 }
 
@@ -113,6 +115,8 @@ void HardwareKeysTest::keyHasItsPlaceOnAUsKeyboard()
 {
     QFETCH(const quint32, position);
     QFETCH(const qint64, keyCode);
+    QFETCH(const char, symbol);
+    QCOMPARE(HardwareKeys::symbol(keyCode), std::optional(symbol));
     QCOMPARE(HardwareKeys::keyCode(position), std::optional<std::int64_t>(keyCode));
     QCOMPARE(HardwareKeys::position(keyCode), std::optional<std::uint32_t>(position));
 }
@@ -173,6 +177,7 @@ void HardwareKeysTest::otherKeyCodesHaveNoPosition()
 {
     QFETCH(const qint64, keyCode);
     QCOMPARE(HardwareKeys::position(keyCode), std::nullopt);
+    QCOMPARE(HardwareKeys::symbol(keyCode), std::nullopt);
 }
 
 TESSERY_TEST_MAIN(QCoreApplication, HardwareKeysTest)

@@ -1,6 +1,7 @@
 #include "platform/linux/x11/X11EventTap.h"
 
 #include "base/Log.h"
+#include "platform/linux/DeafEventTap.h"
 #include "platform/linux/HardwareKeys.h"
 
 #include <utility>
@@ -11,9 +12,6 @@ namespace {
 
 /// X numbers the positions of keys from here on, since its first eight numbers are not for keys.
 constexpr unsigned kFirstKeycode = 8;
-
-/// An event tap that hears nothing, for a press that no key can make.
-class DeafEventTap final : public EventTap { };
 
 bool hasKey(const X11Connection &connection, unsigned keycode)
 {

@@ -15,8 +15,9 @@
 /// is the one in its place on a US keyboard, in every layout.
 class X11EventTap final : public EventTap {
 public:
-    /// An EventTap::Factory. Null without an X display, if another program has grabbed the press,
-    /// or if the keyboard has no key of its own for one of the modifiers; the last two are logged.
+    /// Hears at least the press wanted, or none where it is absent. Null without an X display, if
+    /// another program has grabbed the press, or if the keyboard has no key of its own for one of
+    /// the modifiers; the last two are logged.
     static std::unique_ptr<EventTap> make(const std::optional<KeyPress> &wanted,
                                           OnKeyDown onKeyDown);
     ~X11EventTap() override;

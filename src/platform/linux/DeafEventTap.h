@@ -1,0 +1,6 @@
+#pragma once
+
+#include "platform/EventTap.h"
+
+/// An event tap that hears nothing, for a press that no key can make.
+class DeafEventTap final : public EventTap { };
