@@ -38,10 +38,11 @@ chroot_packages=(
   debootstrap util-linux
 )
 
-# GNOME with its own portal and dialogs, and the service behind KDE's shortcuts.
+# GNOME with its own portal and dialogs, and what kwin had within before: its service of shortcuts,
+# and the one that tells of windows.
 debian13_packages=(
   gnome-shell gnome-control-center xdg-desktop-portal xdg-desktop-portal-gnome
-  kglobalacceld
+  kwin-common wev
 )
 
 # Installs those of the packages that are missing; asks the package manager only if some are.
