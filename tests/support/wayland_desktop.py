@@ -15,19 +15,20 @@ sys.dont_write_bytecode = True
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent))
 
 # pylint: disable=wrong-import-position
+from rig.gnome_shell import GnomeShell
 from rig.kwin import Kwin
 from rig.mutter import Mutter
 from rig.ordinary_user import OrdinaryUser
 from rig.private_desktop import PrivateDesktop
 from rig.sway import Sway
 
-_COMPOSITORS = {"sway": Sway, "kwin": Kwin, "mutter": Mutter}
+_COMPOSITORS = {"sway": Sway, "kwin": Kwin, "mutter": Mutter, "gnome-shell": GnomeShell}
 
 
 class WaylandDesktop(PrivateDesktop):
     """The private Wayland desktop. Options beside those of every desktop:
 
-    compositor  "sway", "kwin" or "mutter"
+    compositor  "sway", "kwin", "mutter" or "gnome-shell"
     size        of the screen, in pixels
     xwayland    whether X11 programs can be used
     more        further lines of the compositor's configuration

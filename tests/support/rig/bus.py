@@ -1,6 +1,7 @@
 """A private session bus, and talking to it."""
 
 import os
+import pathlib
 import threading
 
 from gi.repository import Gio, GLib
@@ -15,7 +16,6 @@ _CONFIG = """\
   <keep_umask/>
   <listen>unix:path={socket}</listen>
   <auth>EXTERNAL</auth>
-  <servicedir>{own_services}</servicedir>
   {services}
   <policy context="default">
     <allow send_destination="*" eavesdrop="true"/>
@@ -26,6 +26,14 @@ _CONFIG = """\
 """
 
 
+_INSTALLED = pathlib.Path("/usr/share/dbus-1/services")
+
+
+def write_config(path, socket, services=""):
+    """Writes the configuration of a message bus."""
+    path.write_text(_CONFIG.format(socket=socket, services=services))
+
+
 class Bus:
     """A dbus-daemon of our own. Without `activation` it starts no service by itself but those that
     a test puts in."""
@@ -34,9 +42,10 @@ class Bus:
         config = surroundings.base / "bus.conf"
         self._services = surroundings.base / "services"
         self._services.mkdir()
-        config.write_text(_CONFIG.format(
-            socket=surroundings.runtime / "bus", own_services=self._services,
-            services="<standard_session_servicedirs/>" if activation else ""))
+        self._admitted = []
+        write_config(config, surroundings.runtime / "bus",
+                     f"<servicedir>{self._services}</servicedir>"
+                     + ("<standard_session_servicedirs/>" if activation else ""))
         reader, writer = os.pipe()
         household.start(["dbus-daemon", f"--config-file={config}", "--nofork",
                          f"--print-address={writer}"], pass_fds=(writer,))
@@ -71,6 +80,18 @@ class Bus:
         """Asks the message bus itself."""
         return self.call("org.freedesktop.DBus", "/org/freedesktop/DBus",
                          "org.freedesktop.DBus", method, signature, *arguments)
+
+    def admit(self, *names):
+        """Lets the bus start these of the installed services for whoever calls them."""
+        for name in names:
+            service = f"{name}.service"
+            (self._services / service).symlink_to(_INSTALLED / service)
+        self._admitted += names
+        self.daemon("ReloadConfig")
+
+    def admitted(self):
+        """The processes of those services that run."""
+        return {self.process_of(name) for name in self._admitted if self.has_owner(name)}
 
     def add_service(self, name, command, environment):
         """Lets the bus start a command for whoever calls the name, with further variables."""

@@ -62,11 +62,15 @@ class Mutter(WaylandScreen):
         self.start_compositor(["mutter", "--wayland", "--headless", "--virtual-monitor", size,
                                *([] if xwayland else ["--no-x11"])], {})
         if xwayland:
-            display = processes.wait_until(lambda: _DISPLAY.search(household.log()), 20,
-                                           "an X display of mutter")
-            cookies, = surroundings.runtime.glob(".mutter-Xwaylandauth.*")
-            household.environment.update({"DISPLAY": display[1], "XAUTHORITY": str(cookies)})
+            self._note_x_display(surroundings)
         self.input = RemoteInput(bus)
+
+    def _note_x_display(self, surroundings):
+        """Tells every program of the X display."""
+        display = processes.wait_until(lambda: _DISPLAY.search(self._household.log()), 20,
+                                       "an X display of mutter")
+        cookies, = surroundings.runtime.glob(".mutter-Xwaylandauth.*")
+        self._household.environment.update({"DISPLAY": display[1], "XAUTHORITY": str(cookies)})
 
     def windows(self, title):
         """The ids of the visible windows of X11 programs with exactly this title, but for the
@@ -74,7 +78,11 @@ class Mutter(WaylandScreen):
         result = self._household.run(
             ["xdotool", "search", "--onlyvisible", "--name", f"^{re.escape(title)}( — |$)"],
             capture_output=True, text=True, check=False)
-        return result.stdout.split()
+        return [window for window in result.stdout.split() if not self._is_frame(window)]
+
+    def _is_frame(self, window):
+        """Newer versions have a program draw the frames, in windows with the same titles."""
+        return "window id" in self.run("xprop", "-id", window, "_MUTTER_FRAME_FOR")
 
     def _focus(self, window):
         self.run("xdotool", "windowactivate", "--sync", window)

@@ -43,6 +43,9 @@ class Notifications:
         kinds = Gio.DBusMessageType
         with self._changed:
             if message.get_message_type() == kinds.METHOD_CALL:
+                # GNOME's service passes on what it is told to the shell.
+                if message.get_destination() == "org.gnome.Shell":
+                    return
                 key = message.get_sender(), message.get_serial()
                 self._calls[key] = Notification(*message.get_body().unpack())
             elif call := self._calls.get((message.get_destination(), message.get_reply_serial())):
