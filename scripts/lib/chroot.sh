@@ -1,4 +1,5 @@
-# A root folder with another release of Debian, and running commands in it. To be sourced; needs root.
+# A root folder with another release of Debian, and running commands in it. To be sourced; needs
+# root.
 
 # make_chroot RELEASE FOLDER: a minimal system, from the mirrors that apt uses here.
 make_chroot() {

@@ -1,4 +1,4 @@
-"""GNOME as a person has it, without a screen: its shell, and behind it its portal with the dialogs."""
+"""GNOME as a person has it, without a screen: its shell, and its portal with the dialogs."""
 
 import json
 
@@ -16,7 +16,9 @@ _SECONDS_TO_START = 120
 
 
 class GnomeShell(Mutter):
-    """A running shell, with the services that it and its portal need. It shows notifications itself."""
+    """A running shell, with the services that it and its portal need.
+
+    It shows notifications itself, and has no tray."""
 
     session = {"XDG_CURRENT_DESKTOP": "GNOME", "GSETTINGS_BACKEND": "dconf"}
     # Everything else that a session starts is not needed and would cost time.

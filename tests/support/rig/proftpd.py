@@ -73,7 +73,8 @@ def serve(base, options):
         config = etc / "proftpd.conf"
         config.write_text(_CONFIG.format(
             host=ports.HOST, port=port, account=account, group=group, servers=place.servers, etc=place.inside(etc),
-            modules=_modules(), passive_first=ports.PASSIVE_PORTS[0], passive_last=ports.PASSIVE_PORTS[-1],
+            modules=_modules(),
+            passive_first=ports.PASSIVE_PORTS[0], passive_last=ports.PASSIVE_PORTS[-1],
             transfer_rate=rate, protocol=protocol))
         return [f"{place.servers}/usr/sbin/proftpd", "-n", "-c", place.inside(config)]
 
@@ -89,7 +90,8 @@ def serve(base, options):
 def _modules():
     """The lines that load what is not built in."""
     folder = packages.location() / "usr" / "lib" / "proftpd"
-    return "\n".join(f"LoadModule {name}.c" for name in _MODULES if (folder / f"{name}.so").exists())
+    return "\n".join(f"LoadModule {name}.c" for name in _MODULES
+                     if (folder / f"{name}.so").exists())
 
 
 def _write_accounts(place, options):
