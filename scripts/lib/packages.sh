@@ -42,7 +42,7 @@ chroot_packages=(
 # and the one that tells of windows.
 debian13_packages=(
   gnome-shell gnome-control-center xdg-desktop-portal xdg-desktop-portal-gnome
-  kwin-common wev
+  kwin-common
 )
 
 # Installs those of the packages that are missing; asks the package manager only if some are.

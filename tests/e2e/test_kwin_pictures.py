@@ -2,7 +2,7 @@
 
 import unittest
 
-from test_kwin import KwinCase
+from kwin_case import KwinCase
 
 
 class PicturesTest(KwinCase):
