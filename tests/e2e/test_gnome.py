@@ -68,7 +68,6 @@ class ShortcutTest(GnomeCase):
         self.answer(ADD)
         program.wait_for_line(f"{REGISTERED}⌘⇧U", 30)
         self.upload()
-        self.picture("gnome-notification")
         self.assertEqual(program.terminate(), 0)
 
     def test_it_is_asked_once(self):
@@ -90,7 +89,7 @@ class ShortcutTest(GnomeCase):
         # By the time another way has worked, the key would have.
         self.act("upload-clipboard")
         self.desktop.notifications.wait_for(DONE)
-        self.assertNotIn(TRIGGERED, program.output.all)
+        self.assertEqual(program.output.all.count(TRIGGERED), 1)
 
     def test_ended_program_has_no_shortcut(self):
         self.start_with(ADD).terminate()
