@@ -78,11 +78,13 @@ class Mutter(WaylandScreen):
         result = self._household.run(
             ["xdotool", "search", "--onlyvisible", "--name", f"^{re.escape(title)}( — |$)"],
             capture_output=True, text=True, check=False)
-        return [window for window in result.stdout.split() if not self._is_frame(window)]
+        return [window for window in result.stdout.split() if self._is_programs(window)]
 
-    def _is_frame(self, window):
-        """Newer versions have a program draw the frames, in windows with the same titles."""
-        return "window id" in self.run("xprop", "-id", window, "_MUTTER_FRAME_FOR")
+    def _is_programs(self, window):
+        """Not a frame: newer versions have a program draw those, in windows with the same titles."""
+        answer = self._household.run(["xprop", "-id", window, "_MUTTER_FRAME_FOR"], check=False,
+                                     capture_output=True, text=True)
+        return answer.returncode == 0 and "window id" not in answer.stdout
 
     def _focus(self, window):
         self.run("xdotool", "windowactivate", "--sync", window)
