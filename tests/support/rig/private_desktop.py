@@ -205,6 +205,8 @@ class PrivateDesktop:
     def assert_clean(self):
         """Fails when programs that have ended left processes or files behind."""
         services = self.bus.admitted()
+        if self.accessibility:
+            services |= self.accessibility.services()
         processes.pass_in(lambda: self.household.orphans().keys() <= services, SECONDS_TO_FOLLOW)
         left = [f"process {pid}: {line}" for pid, line in self.household.orphans().items()
                 if pid not in services]
