@@ -121,9 +121,13 @@ private Q_SLOTS:
         QFETCH(QString, password);
         const auto odd = start(kind, {u"--password="_s + password});
         m_uploads->use(*odd);
-        if (password == u"pässwörd" && curlIsVersion8())
-            QEXPECT_FAIL("", "curl sends the password up to its first letter beyond ASCII", Abort);
-        QCOMPARE(m_uploads->upload(), QString());
+        const QString told = m_uploads->upload();
+        if (password == u"pässwörd" && curlIsVersion8()) {
+            // It sends the password only up to its first letter beyond ASCII.
+            QCOMPARE(told, u"Authentication failed"_s);
+            return;
+        }
+        QCOMPARE(told, QString());
         QCOMPARE(m_uploads->contentsOf(odd->folder() + u'/' + m_uploads->kName),
                  m_uploads->small());
     }
