@@ -48,8 +48,11 @@ int main(int argc, char *argv[])
     if (commandLine.kind != CommandLine::Kind::Run)
         return answer(commandLine);
     auto remoteControl = std::make_unique<DBusRemoteControl>(std::move(environment));
-    if (const std::optional<int> exitCode = remoteControl->begin(commandLine.action))
-        return *exitCode;
+    if (const std::optional<int> exitCode = remoteControl->begin(commandLine.action)) {
+        // The toolkit's thread for the bus still runs and would use what is destroyed after main().
+        std::fflush(nullptr);
+        std::quick_exit(*exitCode);
+    }
 
     QApplication::setApplicationName(kAppIdentifier);
     QApplication::setApplicationDisplayName(QStringLiteral("Tessery"));

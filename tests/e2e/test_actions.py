@@ -112,7 +112,8 @@ class FirstStartTest(InstanceCase):
         self.desktop.screen.wait_for_window(SETTINGS)
 
     def test_nothing_to_stop_or_to_quit(self):
-        for action in ("stop-monitoring", "quit"):
+        # Many times, since the toolkit's threads end with the program.
+        for action in ("stop-monitoring", "quit") * 15:
             self.hand_over(action)
             self.assertEqual(self.temporary_folders(), [])
 
