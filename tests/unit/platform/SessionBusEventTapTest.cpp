@@ -43,19 +43,33 @@ private Q_SLOTS:
     {
         QCOMPARE(SessionBusEventTap::choose({}), Service::None);
         QCOMPARE(SessionBusEventTap::choose({.portal = true}), Service::Portal);
-        QCOMPARE(SessionBusEventTap::choose({.kGlobalAccel = true}), Service::KGlobalAccel);
-        QCOMPARE(SessionBusEventTap::choose({.kGlobalAccel = true, .portal = true}),
+        QCOMPARE(SessionBusEventTap::choose({.kGlobalAccel = true, .kdeCompositor = true}),
+                 Service::KGlobalAccel);
+        QCOMPARE(SessionBusEventTap::choose(
+                     {.kGlobalAccel = true, .kdeCompositor = true, .portal = true}),
                  Service::KGlobalAccel);
     }
 
     void runningKdeServiceIsAsked()
     {
         FakeBusService service(KGlobalAccelEventTap::kService);
+        FakeBusService compositor(u"org.kde.KWin"_s);
         FakeBusService portal(PortalNames::kService);
         makeTap();
         QTRY_COMPARE(m_decisions, QList{false}); // It knows no method.
         QCOMPARE(service.called().value(0), u"doRegister"_s);
         QCOMPARE(portal.called(), QStringList());
+    }
+
+    void kdeServiceApartFromItsCompositorHearsNothing()
+    {
+        QCOMPARE(SessionBusEventTap::choose({.kGlobalAccel = true}), Service::None);
+        FakeBusService service(KGlobalAccelEventTap::kService);
+        FakeBusService portal(PortalNames::kService);
+        makeTap();
+        QTRY_COMPARE(m_decisions, QList{false});
+        QCOMPARE(service.called(), QStringList());
+        QCOMPARE(portal.called().value(0), u"Register"_s);
     }
 
     void runningPortalIsAsked()

@@ -29,6 +29,10 @@ QDBusPendingCall askBus(const QString &method, const QVariantList &arguments = {
     return QDBusConnection::sessionBus().asyncCall(call);
 }
 
+/// KDE's compositor, which is the one that hears keys for KDE's service. Elsewhere the bus may have
+/// started the service for some KDE program: it grants every key then, and hears X programs alone.
+constexpr QLatin1String kKdeCompositor("org.kde.KWin");
+
 /// How long the compositor may take for its keymap: just after the login it is busy.
 constexpr std::chrono::milliseconds kKeymapLimit(10000);
 
@@ -37,7 +41,7 @@ constexpr std::chrono::milliseconds kKeymapLimit(10000);
 SessionBusEventTap::Service SessionBusEventTap::choose(const Found &found)
 {
     // KDE's own service asks the user nothing, and tells truthfully what is taken.
-    if (found.kGlobalAccel)
+    if (found.kGlobalAccel && found.kdeCompositor)
         return Service::KGlobalAccel;
     return found.portal ? Service::Portal : Service::None;
 }
@@ -68,18 +72,17 @@ SessionBusEventTap::SessionBusEventTap(std::shared_ptr<PortalConnection> portal,
 /// The questions are sent together, and answered in any order.
 void SessionBusEventTap::lookForServices()
 {
-    whenAnswered<QDBusPendingReply<bool>>(
-        askBus(u"NameHasOwner"_s, {QString(KGlobalAccelEventTap::kService)}), &m_context,
-        [this](const QDBusPendingReply<bool> &reply) {
-            m_found.kGlobalAccel = !reply.isError() && reply.value();
-            answered();
-        });
-    whenAnswered<QDBusPendingReply<bool>>(
-        askBus(u"NameHasOwner"_s, {QString(PortalNames::kService)}), &m_context,
-        [this](const QDBusPendingReply<bool> &reply) {
-            m_found.portal |= !reply.isError() && reply.value();
-            answered();
-        });
+    const auto lookFor = [this](const QString &name, bool Found::*isThere) {
+        whenAnswered<QDBusPendingReply<bool>>(
+            askBus(u"NameHasOwner"_s, {name}), &m_context,
+            [this, isThere](const QDBusPendingReply<bool> &reply) {
+                m_found.*isThere |= !reply.isError() && reply.value();
+                answered();
+            });
+    };
+    lookFor(KGlobalAccelEventTap::kService, &Found::kGlobalAccel);
+    lookFor(kKdeCompositor, &Found::kdeCompositor);
+    lookFor(PortalNames::kService, &Found::portal);
     whenAnswered<QDBusPendingReply<QStringList>>(
         askBus(u"ListActivatableNames"_s), &m_context,
         [this](const QDBusPendingReply<QStringList> &reply) {

@@ -15,9 +15,11 @@ class SessionBusEventTap final : public EventTap {
 public:
     enum class Service { KGlobalAccel, Portal, None };
 
-    /// What the bus tells: KDE's service is running; the portal is running or can be started.
+    /// What the bus tells: KDE's service is running, and so is the compositor that it belongs to;
+    /// the portal is running or can be started.
     struct Found {
         bool kGlobalAccel = false;
+        bool kdeCompositor = false;
         bool portal = false;
     };
     static Service choose(const Found &found);
@@ -41,7 +43,7 @@ private:
     OnKeyDown m_onKeyDown;
     OnDecided m_onDecided;
     Found m_found;
-    int m_openQuestions = 3;
+    int m_openQuestions = 4;
     std::unique_ptr<EventTap> m_tap; ///< Null until the service has been found.
     QObject m_context; ///< Of the answers; goes first.
 };
