@@ -199,6 +199,24 @@ class StartedByTheBusTest(InstanceCase):
         self.call("Activate", "(a{sv})", {})
         self.desktop.screen.wait_for_window("Screenshot Uploader")
 
+    def test_desktop_stops_showing_that_something_starts(self):
+        ear = self.desktop.start_program("/usr/bin/xev", "-root", "-event", "property")
+        processes.wait_until(lambda: self.is_heard(ear), 10, "it listens")
+        self.start_by_calling("Activate", "(a{sv})",
+                              {"desktop-startup-id": GLib.Variant("s", "launcher_TIME1")})
+        processes.wait_until(lambda: self.has_ended_a_start(ear), 10, "the end of the start")
+        ear.terminate()
+
+    def is_heard(self, ear):
+        """Whether a change on the display is."""
+        self.desktop.screen.run("xprop", "-root", "-f", "TEST", "8s", "-set", "TEST", "x")
+        return any("(TEST)" in line for line in ear.output.all)
+
+    @staticmethod
+    def has_ended_a_start(ear):
+        """Whether the display was told so."""
+        return any("(_NET_STARTUP_INFO_BEGIN)" in line for line in ear.output.all)
+
     def test_started_without_a_reason_the_first_request_counts(self):
         self.desktop.bus.daemon("StartServiceByName", "(su)", NAME, 0)
         processes.wait_until(lambda: "permission" in self.log.read_text(), 10, "it is ready")

@@ -128,8 +128,11 @@ DBusRemoteControl::Claim DBusRemoteControl::claim()
 void DBusRemoteControl::receive(const Request &request)
 {
     const bool isReasonOfStart = std::exchange(m_awaitsReasonOfStart, false);
-    if (isReasonOfStart && !request.action)
-        return; // To be started was all that was wanted.
+    if (isReasonOfStart && !request.action) {
+        // To be started was all that was wanted. No window will come of it.
+        X11Startup::end(request.activationToken);
+        return;
+    }
     if (m_isReady)
         deliver(request);
     else
