@@ -1,13 +1,19 @@
 #include "platform/linux/wayland/WaylandKeymap.h"
 
+#include "base/UniqueFd.h"
+#include "platform/linux/wayland/WaylandKeymapReader.h"
 #include "support/TestMain.h"
 
+#include <QTemporaryDir>
 #include <QTest>
 
 #include <linux/input-event-codes.h>
+#include <sys/socket.h>
+#include <sys/un.h>
 #include <xkbcommon/xkbcommon.h>
 
 #include <cstdlib>
+#include <vector>
 
 using namespace Qt::StringLiterals;
 
@@ -40,6 +46,27 @@ WaylandKeymap keymapOf(const char *layouts)
     return WaylandKeymap::fromText(textOf(layouts)).value();
 }
 
+/// A compositor that hangs, and has no room for one more client.
+class FullSocket {
+public:
+    explicit FullSocket(const QByteArray &path) : m_server(::socket(AF_UNIX, SOCK_STREAM, 0))
+    {
+        sockaddr_un address = {};
+        address.sun_family = AF_UNIX;
+        std::copy(path.begin(), path.end(), std::begin(address.sun_path));
+        const auto *const name = reinterpret_cast<const sockaddr *>(&address);
+        ::bind(m_server.get(), name, sizeof address);
+        ::listen(m_server.get(), 0);
+        do
+            m_clients.emplace_back(::socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK, 0));
+        while (::connect(m_clients.back().get(), name, sizeof address) == 0);
+    }
+
+private:
+    UniqueFd m_server;
+    std::vector<UniqueFd> m_clients;
+};
+
 } // namespace
 
 class WaylandKeymapTest : public QObject {
@@ -47,6 +74,16 @@ class WaylandKeymapTest : public QObject {
 
 private Q_SLOTS:
     void init() { TestSurroundings::failOnWarnings(); }
+
+    void compositorThatHangsHoldsNobodyUp()
+    {
+        const QTemporaryDir folder;
+        const QByteArray path = QFile::encodeName(folder.filePath(u"full"_s));
+        const FullSocket socket(path);
+        qputenv("WAYLAND_DISPLAY", path);
+        QVERIFY(!WaylandKeymapReader::read(std::chrono::milliseconds(100)));
+        qunsetenv("WAYLAND_DISPLAY");
+    }
 
     void plainCharacterIsThatOfTheLayoutInUse_data()
     {

@@ -14,7 +14,7 @@
 
 /// A connection of our own to the Wayland compositor of the session, apart from the toolkit's. What
 /// its client holds there ends with the object. Must not be destroyed by a listener, since
-/// libwayland goes on with what it was reading. Main thread.
+/// libwayland goes on with what it was reading. For one thread, whose event loop sync() needs.
 class WaylandConnection {
 public:
     /// Connects to the compositor that the environment names. Null if there is none. Never waits.

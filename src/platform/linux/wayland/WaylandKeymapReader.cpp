@@ -1,18 +1,16 @@
 #include "platform/linux/wayland/WaylandKeymapReader.h"
 
 #include "base/UniqueFd.h"
+#include "platform/linux/wayland/WaylandConnection.h"
+#include "platform/linux/wayland/WaylandGlobals.h"
 
 #include <QDeadlineTimer>
 #include <QPromise>
 #include <QThreadPool>
 
-#include <wayland-client.h>
-
-#include <poll.h>
 #include <sys/mman.h>
 
 #include <memory>
-#include <string_view>
 
 namespace {
 
@@ -20,15 +18,11 @@ template <typename T, void (*destroy)(T *)>
 struct Destroy {
     void operator()(T *object) const { destroy(object); }
 };
-using Display = std::unique_ptr<wl_display, Destroy<wl_display, wl_display_disconnect>>;
-using Registry = std::unique_ptr<wl_registry, Destroy<wl_registry, wl_registry_destroy>>;
 using Seat = std::unique_ptr<wl_seat, Destroy<wl_seat, wl_seat_destroy>>;
 using Keyboard = std::unique_ptr<wl_keyboard, Destroy<wl_keyboard, wl_keyboard_destroy>>;
 
-/// What has been bound and received; the display, which goes last, comes first.
+/// What has been bound and received.
 struct Reading {
-    Display display;
-    Registry registry;
     Seat seat;
     Keyboard keyboard;
     std::optional<WaylandKeymap> keymap;
@@ -75,73 +69,30 @@ constexpr wl_seat_listener kSeatListener{
     .name = [](void *, wl_seat *, const char *) {},
 };
 
-void receiveGlobal(void *data, wl_registry *registry, std::uint32_t name, const char *interface,
-                   std::uint32_t)
-{
-    auto *const reading = static_cast<Reading *>(data);
-    if (reading->seat || std::string_view(interface) != wl_seat_interface.name)
-        return;
-    // The first version has all that is needed.
-    reading->seat.reset(
-        static_cast<wl_seat *>(wl_registry_bind(registry, name, &wl_seat_interface, 1)));
-    wl_seat_add_listener(reading->seat.get(), &kSeatListener, data);
-}
-
-constexpr wl_registry_listener kRegistryListener{
-    .global = receiveGlobal,
-    .global_remove = [](void *, wl_registry *, std::uint32_t) {},
-};
-
-/// Waits for events until the deadline, and handles them.
-bool dispatch(wl_display *display, const QDeadlineTimer &deadline)
-{
-    while (wl_display_prepare_read(display) != 0) {
-        if (wl_display_dispatch_pending(display) < 0)
-            return false;
-    }
-    wl_display_flush(display);
-    pollfd readable{.fd = wl_display_get_fd(display), .events = POLLIN, .revents = 0};
-    if (::poll(&readable, 1, static_cast<int>(deadline.remainingTime())) <= 0) {
-        wl_display_cancel_read(display);
-        return false;
-    }
-    return wl_display_read_events(display) == 0 && wl_display_dispatch_pending(display) >= 0;
-}
-
-/// Until the compositor has answered all that was sent so far. A limit instead of
-/// wl_display_roundtrip(), which waits for ever.
-bool roundTrip(wl_display *display, const QDeadlineTimer &deadline)
-{
-    using Callback = std::unique_ptr<wl_callback, Destroy<wl_callback, wl_callback_destroy>>;
-    const Callback callback(wl_display_sync(display));
-    bool isDone = false;
-    static constexpr wl_callback_listener kListener{
-        .done = [](void *data, wl_callback *, std::uint32_t) { *static_cast<bool *>(data) = true; },
-    };
-    wl_callback_add_listener(callback.get(), &kListener, &isDone);
-    while (!isDone) {
-        if (!dispatch(display, deadline))
-            return false;
-    }
-    return true;
-}
-
 } // namespace
 
 std::optional<WaylandKeymap> WaylandKeymapReader::read(std::chrono::milliseconds limit)
 {
-    Reading reading;
-    reading.display.reset(wl_display_connect(nullptr));
-    if (!reading.display)
+    const std::unique_ptr<WaylandConnection> connection = WaylandConnection::open();
+    if (!connection)
         return std::nullopt;
     const QDeadlineTimer deadline(limit);
-    reading.registry.reset(wl_display_get_registry(reading.display.get()));
-    wl_registry_add_listener(reading.registry.get(), &kRegistryListener, &reading);
-    // The globals; what the seat has; the keyboard's keymap.
-    for (int step = 0; step < 3; ++step) {
-        if (!roundTrip(reading.display.get(), deadline))
-            return std::nullopt;
-    }
+    const auto hasAnswered = [&connection, &deadline] {
+        return connection->waitForSync(std::chrono::milliseconds(deadline.remainingTime()));
+    };
+    const WaylandGlobals globals(connection->get());
+    if (!hasAnswered())
+        return std::nullopt;
+    const WaylandGlobals::Global *const seat = globals.first(wl_seat_interface.name);
+    if (!seat)
+        return std::nullopt;
+    Reading reading;
+    // The first version has all that is needed.
+    reading.seat.reset(reinterpret_cast<wl_seat *>(globals.bind(*seat, wl_seat_interface)));
+    wl_seat_add_listener(reading.seat.get(), &kSeatListener, &reading);
+    // What the seat has; the keyboard's keymap.
+    if (!hasAnswered() || !hasAnswered())
+        return std::nullopt;
     return reading.keymap;
 }
 
