@@ -242,6 +242,41 @@ private Q_SLOTS:
         QCOMPARE(m_portal->called(), kBinding + QStringList{u"Close"_s} + kBinding);
     }
 
+    void nextSessionWaitsForOneThatIsBeingMade()
+    {
+        const FakePortal::Answer make = m_portal->answers[u"CreateSession"_s];
+        m_portal->answers[u"CreateSession"_s] = [](const QDBusMessage &) {
+            return std::optional<QVariantList>();
+        };
+        makeTap();
+        QTRY_VERIFY(m_portal->called().contains(u"CreateSession"_s));
+        m_tap.reset();
+        makeTap();
+        QTest::qWait(50); // Nothing may happen.
+        QCOMPARE(m_portal->called(), (QStringList{u"Register"_s, u"CreateSession"_s}));
+        m_portal->answers[u"CreateSession"_s] = make;
+        const QDBusMessage call = m_portal->lastCall(u"CreateSession"_s);
+        m_portal->answer(call, make(call).value());
+        QTRY_COMPARE(m_decisions, QList{true});
+        QCOMPARE(m_portal->called(),
+                 (QStringList{u"Register"_s, u"CreateSession"_s, u"Close"_s} + kBinding));
+        QCOMPARE(m_portal->calls[2].path(), m_portal->session);
+    }
+
+    void portalThatEndsWhileItMakesASessionIsAskedAgain()
+    {
+        m_portal->answers[u"CreateSession"_s] = [](const QDBusMessage &) {
+            return QVariantList{QVariant::fromValue(QDBusObjectPath(u"/request"_s))};
+        };
+        makeTap();
+        QTRY_VERIFY(m_portal->called().contains(u"CreateSession"_s));
+        m_tap.reset();
+        makeTap();
+        m_portal.reset();
+        m_portal.emplace();
+        QTRY_COMPARE(m_decisions, QList{true});
+    }
+
     void portalThatStartsAnewIsAskedAnew()
     {
         makeTap();

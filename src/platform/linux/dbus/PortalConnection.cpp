@@ -9,8 +9,11 @@
 
 using namespace Qt::StringLiterals;
 
+const QString PortalConnection::kSessionHandle = u"session_handle"_s;
+
 PortalConnection::~PortalConnection()
 {
+    m_unwanted.reset();
     if (!m_name.isEmpty())
         QDBusConnection::disconnectFromBus(m_name);
 }
@@ -33,9 +36,27 @@ void PortalConnection::closeSession(const QString &path)
     m_closing = bus().asyncCall(message);
 }
 
+void PortalConnection::closeOnceMade(std::unique_ptr<PortalRequest> request)
+{
+    m_unwanted = std::move(request);
+    m_unwanted->setAnsweredHandler(
+        [this](const std::optional<PortalRequest::Answer> &answer, const QString &) {
+            if (answer && answer->code == 0)
+                closeSession(answer->path(kSessionHandle));
+            m_unwanted.reset();
+            if (const auto waiting = std::exchange(m_waiting, nullptr))
+                waiting();
+        });
+}
+
 void PortalConnection::whenClosed(QObject *context, std::function<void()> done)
 {
-    if (m_closing)
+    if (m_unwanted)
+        m_waiting = [this, context = QPointer(context), done = std::move(done)] {
+            if (context)
+                whenClosed(context, done);
+        };
+    else if (m_closing)
         whenAnswered(*m_closing, context, [done = std::move(done)](const auto &) { done(); });
     else
         QMetaObject::invokeMethod(context, std::move(done), Qt::QueuedConnection);

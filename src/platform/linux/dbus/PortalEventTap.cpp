@@ -54,6 +54,9 @@ PortalEventTap::PortalEventTap(std::shared_ptr<PortalConnection> connection, con
 
 PortalEventTap::~PortalEventTap()
 {
+    // Withdrawn, it would leave the portal with a session that nobody can close.
+    if (m_request && m_session.isEmpty())
+        m_connection->closeOnceMade(std::move(m_request));
     endAttempt();
     closeSession();
 }
@@ -65,6 +68,7 @@ void PortalEventTap::serviceOwnerChanged(const QString &before, const QString &n
         const bool wasHeard = std::exchange(m_isHeard, false);
         endAttempt();
         m_session.clear();
+        m_connection->forgetSessions();
         if (wasUnderWay && std::exchange(m_isSecondTry, true)) {
             refuse(u"the desktop portal ends when it is asked"_s);
             return;
@@ -107,15 +111,13 @@ void PortalEventTap::createSession()
                 else if (answer->code != 0)
                     refuse(u"the desktop portal gives no session for shortcuts"_s);
                 else
-                    sessionCreated(answer->results.value(u"session_handle"_s));
+                    sessionCreated(answer->path(PortalConnection::kSessionHandle));
             });
 }
 
-void PortalEventTap::sessionCreated(const QVariant &handle)
+void PortalEventTap::sessionCreated(const QString &path)
 {
-    // A path of the type string, by the portal's own rules; not all keep to them.
-    m_session = handle.canConvert<QDBusObjectPath>() ? handle.value<QDBusObjectPath>().path()
-                                                     : handle.toString();
+    m_session = path;
     m_bus.connect(PortalNames::kService, m_session, kSessionInterface, u"Closed"_s, this,
                   SLOT(sessionClosed()));
     bindShortcut();

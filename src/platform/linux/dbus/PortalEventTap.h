@@ -31,7 +31,7 @@ private:
     void begin();
     void introduceItself();
     void createSession();
-    void sessionCreated(const QVariant &handle);
+    void sessionCreated(const QString &path);
     void bindShortcut();
     void listShortcuts(const QString &boundHow);
     void request(const QString &method, const QVariantList &arguments, const QVariantMap &options,

@@ -21,6 +21,14 @@ QString requestPath(const QDBusConnection &bus, const QString &token)
 
 } // namespace
 
+QString PortalRequest::Answer::path(const QString &name) const
+{
+    // Of the type string, by the portals' own rules; not all keep to them.
+    const QVariant value = results.value(name);
+    return value.canConvert<QDBusObjectPath>() ? value.value<QDBusObjectPath>().path()
+                                               : value.toString();
+}
+
 PortalRequest::PortalRequest(const QDBusConnection &bus, QDBusMessage call, QVariantMap options,
                              OnAnswered onAnswered)
     : m_bus(bus), m_onAnswered(std::move(onAnswered))

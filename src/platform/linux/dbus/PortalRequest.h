@@ -8,6 +8,7 @@
 
 #include <functional>
 #include <optional>
+#include <utility>
 
 /// One request to a desktop portal: the call, and the answer that comes as a signal once the user
 /// or the desktop has decided, however long that takes. Withdrawn if destroyed before.
@@ -18,6 +19,9 @@ public:
     struct Answer {
         uint code = 0; ///< 0 granted, 1 declined by the user, 2 ended in another way.
         QVariantMap results;
+
+        /// A path among the results; empty if it is none.
+        QString path(const QString &name) const;
     };
     /// Called once, from the event loop; absent with the reason if the call itself failed. May
     /// destroy the request.
@@ -28,6 +32,9 @@ public:
     PortalRequest(const QDBusConnection &bus, QDBusMessage call, QVariantMap options,
                   OnAnswered onAnswered);
     ~PortalRequest() override;
+
+    /// Lets another one have the answer. To be called before there is one; not empty.
+    void setAnsweredHandler(OnAnswered onAnswered) { m_onAnswered = std::move(onAnswered); }
 
 private Q_SLOTS:
     void onResponse(uint code, const QVariantMap &results);
