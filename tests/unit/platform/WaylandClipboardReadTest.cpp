@@ -16,6 +16,12 @@ using Protocol = FakeCompositor::Protocol;
 
 Q_DECLARE_METATYPE(FakeCompositor::Protocol)
 
+namespace {
+
+const QString kNoAccess = u"⚠️ The compositor gives no access to the clipboard"_s;
+
+} // namespace
+
 class WaylandClipboardReadTest : public QObject {
     Q_OBJECT
 
@@ -86,15 +92,19 @@ private Q_SLOTS:
         m_compositor.reset();
         m_compositor.emplace(offered, hasSeat);
         m_compositor->copyText("words");
+        CapturedOutput output;
         const auto content = m_pasteboard.content();
         QVERIFY(isEmpty(*content));
+        QCOMPARE(output.lines(), QStringList(kNoAccess));
     }
 
     void nothingIsReadWithoutACompositor()
     {
         m_compositor.reset();
+        CapturedOutput output;
         const auto content = m_pasteboard.content();
         QVERIFY(isEmpty(*content));
+        QCOMPARE(output.lines(), QStringList(kNoAccess));
     }
 
     void largeContentIsReadWhole()

@@ -1,8 +1,11 @@
 #include "platform/linux/wayland/DataControlDevice.h"
 
+#include "base/Log.h"
+
 #include <algorithm>
 #include <utility>
 
+using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace {
@@ -10,13 +13,20 @@ namespace {
 /// Much more than the owner of the clipboard gets: every program waits for the compositor.
 constexpr auto kPatienceWithCompositor = 5s;
 
+void logNoAccess()
+{
+    Log::line(u"⚠️ The compositor gives no access to the clipboard"_s);
+}
+
 } // namespace
 
 std::unique_ptr<DataControlDevice> DataControlDevice::open()
 {
     std::unique_ptr<WaylandConnection> connection = WaylandConnection::open();
-    if (!connection)
+    if (!connection) {
+        logNoAccess();
         return nullptr;
+    }
     return std::unique_ptr<DataControlDevice>(new DataControlDevice(std::move(connection)));
 }
 
@@ -42,11 +52,12 @@ DataControlDevice::~DataControlDevice()
 
 QCoro::Task<bool> DataControlDevice::begin()
 {
-    const bool isAnswered = co_await sync();
-    if (!isAnswered || !bind())
-        co_return false;
-    // The first selection is told right after the device was made.
-    const bool isTold = co_await sync();
+    bool isTold = co_await sync();
+    isTold = isTold && bind();
+    if (isTold)
+        isTold = co_await sync(); // The first selection is told right after the device was made.
+    if (!isTold)
+        logNoAccess();
     co_return isTold;
 }
 

@@ -17,14 +17,14 @@
 /// Must outlive its tasks.
 class DataControlDevice {
 public:
-    /// Null if there is no compositor.
+    /// Null, with a log line, if there is no compositor.
     static std::unique_ptr<DataControlDevice> open();
     ~DataControlDevice();
     DataControlDevice(const DataControlDevice &) = delete;
     DataControlDevice &operator=(const DataControlDevice &) = delete;
 
     /// Completes once the compositor has told what the clipboard holds; to be called first. False
-    /// if it does not answer, does not share its clipboard, or has no seat.
+    /// with a log line if it does not answer, does not share its clipboard, or has no seat.
     [[nodiscard]] QCoro::Task<bool> begin();
 
     /// Completes once the compositor has dealt with everything requested. False if it does not

@@ -16,14 +16,13 @@ namespace {
 /// How long programs that are just reading the text hold up the end of this one.
 constexpr auto kPatienceAtTheEnd = 1s;
 
-/// Why the text is not on the clipboard; empty if it is.
+/// Why the text is not on the clipboard; empty if it is, and if that has been logged already.
 QString failureText(ClipboardClaim::Outcome outcome)
 {
     switch (outcome) {
     case ClipboardClaim::Outcome::Held:
-        break;
     case ClipboardClaim::Outcome::NoAccess:
-        return u"⚠️ The compositor gives no access to the clipboard"_s;
+        break;
     case ClipboardClaim::Outcome::NotConfirmed:
         return u"⚠️ The compositor has not put the text on the clipboard"_s;
     case ClipboardClaim::Outcome::TakenOver:
