@@ -138,9 +138,11 @@ void TesseryApp::openSettings()
             m_appState,
             SettingsView::Services{m_platform, environment(), Clock::system(),
                                    SecureRandom::system()});
-        // Given back as soon as it has done with its own event: closed, it costs nothing.
-        QObject::connect(m_settingsView.get(), &SettingsView::closed, m_settingsView.get(),
-                         [this] { m_settingsView.release()->deleteLater(); });
+        // Given back as soon as it has done with its own event: closed, it costs nothing. Once,
+        // since two clicks on its frame may arrive together.
+        QObject::connect(
+            m_settingsView.get(), &SettingsView::closed, m_settingsView.get(),
+            [this] { m_settingsView.release()->deleteLater(); }, Qt::SingleShotConnection);
     }
     bringToFront(*m_settingsView);
 }
@@ -149,8 +151,9 @@ void TesseryApp::openMenuWindow()
 {
     if (!m_menuWindow) {
         m_menuWindow = std::make_unique<MenuWindow>(m_menuBarView);
-        QObject::connect(m_menuWindow.get(), &MenuWindow::closed, m_menuWindow.get(),
-                         [this] { m_menuWindow.release()->deleteLater(); });
+        QObject::connect(
+            m_menuWindow.get(), &MenuWindow::closed, m_menuWindow.get(),
+            [this] { m_menuWindow.release()->deleteLater(); }, Qt::SingleShotConnection);
     }
     bringToFront(*m_menuWindow);
 }

@@ -1,5 +1,6 @@
 """A desktop without a tray: the menu is a window, which comes when the program is started again."""
 
+import signal
 import time
 import unittest
 
@@ -112,6 +113,15 @@ class MenuWindowTest(NoTrayCase):
                 self.desktop.screen.key(keys)
                 self.wait_until_closed()
         self.assertTrue(self.program.is_running())
+
+    def test_it_may_be_closed_twice_at_once(self):
+        self.open_menu()
+        self.program.send_signal(signal.SIGSTOP)  # Busy for a moment, it finds both waiting.
+        self.desktop.screen.key("alt+F4", "alt+F4")
+        time.sleep(0.5)  # The window manager is to ask before it goes on.
+        self.program.send_signal(signal.SIGCONT)
+        self.wait_until_closed()
+        self.open_menu()
 
     def test_disabled_entries_are_told(self):
         self.hand_over("quit")

@@ -8,6 +8,7 @@
 #include "ui/settings/SettingsView.h"
 
 #include <QApplication>
+#include <QCloseEvent>
 #include <QLineEdit>
 #include <QObject>
 #include <QTimer>
@@ -55,6 +56,25 @@ private Q_SLOTS:
         openSettings();
         windows().constFirst()->close();
         QTRY_COMPARE(windows().size(), 0);
+    }
+
+    void windowThatIsClosedTwiceAtOnceIsGivenBackOnce_data()
+    {
+        QTest::addColumn<bool>("hasTray");
+        QTest::newRow("settings") << true;
+        QTest::newRow("menu") << false;
+    }
+    void windowThatIsClosedTwiceAtOnceIsGivenBackOnce()
+    {
+        QFETCH(const bool, hasTray);
+        m_platform->fakeMenuBarExtra->setShown(hasTray);
+        activate();
+        QWidget *const window = (windows() + windowsOf<MenuWindow>()).constFirst();
+        // As two clicks on the frame's button do that arrive together.
+        window->close();
+        QCloseEvent again;
+        QApplication::sendEvent(window, &again);
+        QTRY_COMPARE((windows() + windowsOf<MenuWindow>()).size(), 0);
     }
 
     void windowOpenedAfterClosingBeginsAfresh()
