@@ -47,5 +47,16 @@ class StartTest(DesktopCase):
         self.desktop.screen.wait_for_window("Settings")
 
 
+class NoBusTest(DesktopCase):
+    """No session bus, as in a session that is put together by hand."""
+
+    desktop_options = {"tray": "xembed"}
+
+    def test_menu_is_in_the_old_tray_and_the_log_tells_what_is_missing(self):
+        program = self.start(environment={"DBUS_SESSION_BUS_ADDRESS": "unix:path=/not/there"})
+        self.wait_for_old_icon()
+        program.wait_for_line("❌ Notification permission error")
+
+
 if __name__ == "__main__":
     unittest.main()

@@ -1,5 +1,7 @@
 #include "platform/linux/DefaultKeyring.h"
 
+#include "platform/linux/dbus/BusCall.h"
+
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusObjectPath>
@@ -73,7 +75,7 @@ void DefaultKeyring::call(const QString &path, const QString &interface, const Q
     QDBusMessage message = QDBusMessage::createMethodCall(kService, path, interface, method);
     message.setArguments(arguments);
     const auto reply =
-        new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(message), this);
+        new QDBusPendingCallWatcher(callBus(QDBusConnection::sessionBus(), message), this);
     QObject::connect(reply, &QDBusPendingCallWatcher::finished, this,
                      [this, onReply](QDBusPendingCallWatcher *finished) {
                          finished->deleteLater();

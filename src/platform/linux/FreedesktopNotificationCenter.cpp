@@ -1,6 +1,7 @@
 #include "platform/linux/FreedesktopNotificationCenter.h"
 
 #include "base/AppIdentifier.h"
+#include "platform/linux/dbus/BusCall.h"
 #include "platform/linux/dbus/BusFlush.h"
 
 #include <QDBusMessage>
@@ -74,7 +75,7 @@ void FreedesktopNotificationCenter::askCapabilities(
     std::function<void(const QString &error)> completion)
 {
     auto *const watcher =
-        new QDBusPendingCallWatcher(m_bus.asyncCall(methodCall("GetCapabilities"_L1)), this);
+        new QDBusPendingCallWatcher(callBus(m_bus, methodCall("GetCapabilities"_L1)), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this,
             [this, watcher, completion = std::move(completion)] {
                 watcher->deleteLater();
@@ -122,7 +123,7 @@ void FreedesktopNotificationCenter::deliver(const Pending &pending)
         hints,
         -1, // Shown for as long as the server sees fit.
     });
-    auto *const watcher = new QDBusPendingCallWatcher(m_bus.asyncCall(call), this);
+    auto *const watcher = new QDBusPendingCallWatcher(callBus(m_bus, call), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this,
             [watcher, completion = pending.completion] {
                 watcher->deleteLater();

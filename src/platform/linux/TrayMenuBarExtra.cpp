@@ -3,6 +3,7 @@
 #include "platform/linux/DBusMenu.h"
 #include "platform/linux/MenuLabel.h"
 #include "platform/linux/StatusNotifierItem.h"
+#include "platform/linux/dbus/BusCall.h"
 
 #include <QCursor>
 #include <QDBusMessage>
@@ -85,7 +86,7 @@ void TrayMenuBarExtra::registerItem()
     QDBusMessage call = QDBusMessage::createMethodCall(kWatcher, kWatcherPath, kWatcher,
                                                        u"RegisterStatusNotifierItem"_s);
     call.setArguments({m_bus.baseService()});
-    auto *const reply = new QDBusPendingCallWatcher(m_bus.asyncCall(call), this);
+    auto *const reply = new QDBusPendingCallWatcher(callBus(m_bus, call), this);
     connect(reply, &QDBusPendingCallWatcher::finished, this, [this, reply] {
         reply->deleteLater();
         if (reply->isError())
@@ -101,7 +102,7 @@ void TrayMenuBarExtra::lookForHost()
     QDBusMessage call = QDBusMessage::createMethodCall(
         kWatcher, kWatcherPath, u"org.freedesktop.DBus.Properties"_s, u"Get"_s);
     call.setArguments({QString(kWatcher), u"IsStatusNotifierHostRegistered"_s});
-    auto *const watcher = new QDBusPendingCallWatcher(m_bus.asyncCall(call), this);
+    auto *const watcher = new QDBusPendingCallWatcher(callBus(m_bus, call), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
         watcher->deleteLater();
         const QDBusPendingReply<QDBusVariant> reply = *watcher;

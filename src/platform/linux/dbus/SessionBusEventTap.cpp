@@ -3,6 +3,7 @@
 #include "base/Log.h"
 #include "platform/linux/DeafEventTap.h"
 #include "platform/linux/HardwareKeys.h"
+#include "platform/linux/dbus/BusCall.h"
 #include "platform/linux/dbus/KGlobalAccelEventTap.h"
 #include "platform/linux/dbus/PortalEventTap.h"
 #include "platform/linux/dbus/PortalNames.h"
@@ -26,7 +27,7 @@ QDBusPendingCall askBus(const QString &method, const QVariantList &arguments = {
     QDBusMessage call = QDBusMessage::createMethodCall(
         u"org.freedesktop.DBus"_s, u"/org/freedesktop/DBus"_s, u"org.freedesktop.DBus"_s, method);
     call.setArguments(arguments);
-    return QDBusConnection::sessionBus().asyncCall(call);
+    return callBus(QDBusConnection::sessionBus(), call);
 }
 
 /// KDE's compositor, which is the one that hears keys for KDE's service. Elsewhere the bus may have
