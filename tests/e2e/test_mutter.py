@@ -46,10 +46,11 @@ class NoTrayTest(WaylandCase):
 
     desktop_options = {"compositor": "mutter", "xwayland": True, "tray": None}
 
-    def test_program_runs_until_it_is_ended(self):
+    def test_program_is_used_by_its_menu_until_it_is_ended(self):
+        self.store_settings()
         program = self.start()
         program.wait_for_line(READY)
-        self.assertTrue(program.is_running())
+        self.use_the_menu_without_a_tray(program)
         self.assertEqual(program.terminate(), 0)
 
     def test_tray_that_comes_later(self):

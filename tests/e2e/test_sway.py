@@ -22,8 +22,10 @@ class StartTest(WaylandCase):
 
     def test_no_panel_at_all(self):
         self.desktop.stop_tray()
+        self.store_settings()
         program = self.start()
         program.wait_for_line("✅ Notification permission granted")
+        self.use_the_menu_without_a_tray(program)
         self.assertEqual(program.terminate(), 0)
 
     def test_panel_that_is_started_again(self):
@@ -38,6 +40,17 @@ class StartTest(WaylandCase):
         program.wait_for_line("✅ Notification permission granted")
         self.desktop.start_tray()
         self.quit(program, self.desktop.tray_item(program))
+
+
+class NoBusTest(WaylandCase):
+    """No session bus, over which programs ask for shortcuts."""
+
+    desktop_options = {"tray": None, "notifications": False, "keyring": None}
+
+    def test_log_tells_that_there_is_no_shortcut(self):
+        program = self.start(environment={"DBUS_SESSION_BUS_ADDRESS": "unix:path=/not/there"})
+        program.wait_for_line("❌ Failed to create event tap.")
+        self.assertEqual(program.terminate(), 0)
 
 
 class UploadTest(WaylandCase):

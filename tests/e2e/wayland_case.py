@@ -2,6 +2,7 @@
 
 import subprocess
 
+from desktop_case import PROGRAM
 from rig import processes
 from upload_case import BASE, DONE, PASSWORD, UploadCase
 from wayland_desktop import WaylandDesktop
@@ -9,6 +10,7 @@ from wayland_desktop import WaylandDesktop
 NAME = "Screenshot 2026-01-31 at 10.20.30.png"
 CLIPBOARD = "Upload from Clipboard  ⌘⇧U"
 CHOICE = "🪟 Window system: "
+MENU = "Screenshot Uploader"
 READY = "✅ Notification permission granted"
 TEXT = "Copied: naïve, 日本, 🙂\r\nand its second line\n"
 
@@ -87,6 +89,23 @@ class WaylandCase(UploadCase):
         """Chooses "Quit"."""
         item.click("Quit")
         self.assertEqual(program.wait(), 0)
+
+    def start_again(self):
+        """Starts the program once more, which must hand over to the one that runs."""
+        again = self.desktop.start_program(PROGRAM)
+        self.assertEqual((again.wait(), again.output.all, again.errors.all), (0, [], []))
+
+    def use_the_menu_without_a_tray(self, program):
+        """Started again, the program shows its menu as a window, whose first entry is chosen."""
+        self.start_again()
+        self.desktop.screen.wait_for_window(MENU)
+        self.desktop.screen.key("Return")
+        program.wait_for_line("✅ Monitoring started successfully")
+        self.wait_for_window_gone(MENU)
+        self.start_again()
+        self.desktop.screen.wait_for_window(MENU)
+        self.desktop.screen.key("Escape")
+        self.wait_for_window_gone(MENU)
 
     def wait_for_window_gone(self, title):
         """Waits until no window has this title."""
