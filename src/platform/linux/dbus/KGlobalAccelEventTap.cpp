@@ -74,7 +74,7 @@ QDBusPendingCall KGlobalAccelEventTap::call(const QString &method, const QVarian
     return m_bus.asyncCall(message);
 }
 
-/// The calls are sent together, and done in their order.
+/// Listens before the keys are taken, so that no press is lost.
 void KGlobalAccelEventTap::claim()
 {
     m_claim = std::make_unique<QObject>();
@@ -82,11 +82,17 @@ void KGlobalAccelEventTap::claim()
     whenAnswered<QDBusPendingReply<QDBusObjectPath>>(
         call(u"getComponent"_s, {QString(kAppIdentifier)}), m_claim.get(),
         [this](const QDBusPendingReply<QDBusObjectPath> &reply) {
-            if (reply.isError())
+            if (reply.isError()) {
                 refuse(reply.error().message());
-            else
+            } else {
                 listenTo(reply.value().path());
+                takeKeys();
+            }
         });
+}
+
+void KGlobalAccelEventTap::takeKeys()
+{
     whenAnswered<QDBusPendingReply<QList<int>>>(
         call(u"setShortcut"_s, {actionId(), QVariant::fromValue(m_keys), kInForceNow}),
         m_claim.get(), [this](const QDBusPendingReply<QList<int>> &reply) {

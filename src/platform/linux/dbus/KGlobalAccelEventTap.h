@@ -32,6 +32,7 @@ private Q_SLOTS:
 private:
     QDBusPendingCall call(const QString &method, const QVariantList &arguments);
     void claim();
+    void takeKeys();
     void listenTo(const QString &componentPath);
     void judge(const QList<int> &granted);
     void refuse(const QString &reason);
