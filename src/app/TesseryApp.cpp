@@ -32,6 +32,7 @@ TesseryApp::TesseryApp(Platform &platform, std::chrono::milliseconds trayPatienc
     m_trayPatience.setSingleShot(true);
     m_trayPatience.callOnTimeout([this] { onTrayPatienceOver(); });
     m_trayPatience.start(trayPatience);
+    m_platform.menuBarExtra->setMenuWindow([this] { openMenuWindow(); });
     m_platform.menuBarExtra->whenKnown([this, self = QPointer(&m_menuBarView)] {
         if (self)
             answerActivation();

@@ -41,6 +41,10 @@ public:
     /// Replaces the menu's lines.
     virtual void setMenu(std::vector<MenuItem> items) = 0;
 
+    /// Lets open show the menu as a window where the tray leaves drawing it to us and the desktop
+    /// has no place for a menu that belongs to no window.
+    virtual void setMenuWindow(std::function<void()> open) = 0;
+
     /// Whether there is a tray that shows the item, or is about to. Absent until the desktop has
     /// said whether it has one; once shown, it takes milliseconds unless the desktop hangs.
     virtual std::optional<bool> isShown() const = 0;

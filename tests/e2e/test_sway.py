@@ -4,7 +4,7 @@ import unittest
 
 from rig import settings_file
 from settings_window import SettingsWindow
-from wayland_case import WaylandCase
+from wayland_case import MENU, WaylandCase
 
 WAYLAND = "Wayland, "
 USERS_CHOICE = "as the user has set it"
@@ -33,6 +33,18 @@ class StartTest(WaylandCase):
         self.desktop.tray_item(program)
         self.desktop.restart_tray()
         self.quit(program, self.desktop.tray_item(program))
+
+    def test_panel_that_leaves_the_menu_to_the_program(self):
+        program, item = self.start_set_up()
+        item.ask_for_menu()
+        self.desktop.screen.wait_for_window(MENU)
+        width, height = (self.desktop.screen.facts(MENU)["rect"][side]
+                         for side in ("width", "height"))
+        self.assertLess(width, 500)
+        self.assertLess(height, 500)
+        self.desktop.screen.key("Escape")
+        self.wait_for_window_gone(MENU)
+        self.quit(program, item)
 
     def test_panel_that_comes_after_the_program(self):
         self.desktop.stop_tray()

@@ -128,6 +128,14 @@ private Q_SLOTS:
         QTRY_COMPARE(windowsOf<MenuWindow>().size(), 0);
     }
 
+    void trayThatLeavesTheMenuToUsOpensTheMenu()
+    {
+        m_platform->fakeMenuBarExtra->setShown(true);
+        QTest::ignoreMessage(QtWarningMsg, kNoRaise);
+        m_platform->fakeMenuBarExtra->openMenuWindow();
+        QCOMPARE(windowsOf<MenuWindow>().size(), 1);
+    }
+
     void trayThatComesLaterIsSeenAtTheNextStart()
     {
         m_platform->fakeMenuBarExtra->setShown(false);

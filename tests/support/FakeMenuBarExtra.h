@@ -15,6 +15,7 @@ public:
         aboutToShow = std::move(newAboutToShow);
     }
     void setMenu(std::vector<MenuItem> newItems) override { items = std::move(newItems); }
+    void setMenuWindow(std::function<void()> open) override { openMenuWindow = std::move(open); }
     std::optional<bool> isShown() const override { return shown; }
     void whenKnown(std::function<void()> then) override
     {
@@ -42,6 +43,7 @@ public:
 
     QString title;
     std::function<void()> aboutToShow;
+    std::function<void()> openMenuWindow;
     std::vector<MenuItem> items;
     std::optional<bool> shown = true;
     std::vector<std::function<void()>> waiting;

@@ -11,6 +11,7 @@
 #include <QDBusPendingReply>
 #include <QDBusServiceWatcher>
 #include <QDBusVariant>
+#include <QGuiApplication>
 
 #include <chrono>
 #include <utility>
@@ -177,6 +178,11 @@ void TrayMenuBarExtra::setMenu(std::vector<MenuItem> items)
 
 void TrayMenuBarExtra::popUpMenu(QPoint position)
 {
+    // There the toolkit makes a window as large as the screen of it.
+    if (m_openMenuWindow && QGuiApplication::platformName().startsWith(u"wayland")) {
+        m_openMenuWindow();
+        return;
+    }
     fillMenu();
     m_ownMenu->popup(position);
 }

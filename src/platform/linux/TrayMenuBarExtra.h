@@ -23,6 +23,7 @@ public:
 
     void show(const QString &title, const QIcon &icon, std::function<void()> aboutToShow) override;
     void setMenu(std::vector<MenuItem> items) override;
+    void setMenuWindow(std::function<void()> open) override { m_openMenuWindow = std::move(open); }
     std::optional<bool> isShown() const override;
     void whenKnown(std::function<void()> then) override;
 
@@ -48,6 +49,7 @@ private:
     QString m_title;
     QIcon m_icon;
     std::function<void()> m_aboutToShow;
+    std::function<void()> m_openMenuWindow;
     std::vector<MenuItem> m_items;
     QObject m_itemObject; ///< What the bus knows as the item.
     QObject m_menuObject; ///< What the bus knows as its menu.

@@ -101,6 +101,10 @@ class TrayItem:
         processes.wait_until(lambda: self.entry(label).enabled == enabled, seconds,
                              f"{label!r} with enabled={enabled}")
 
+    def ask_for_menu(self):
+        """Lets the program draw the menu itself, as panels do that cannot."""
+        self._bus.call(self.name, self.path, ITEM, "ContextMenu", "(ii)", 0, 0)
+
     def _menu_call(self, method, signature, *arguments):
         return self._bus.call(self.name, self.property("Menu"), MENU, method, signature,
                               *arguments)

@@ -70,6 +70,7 @@ private Q_SLOTS:
                 readsBefore = m_secrets.reads;
             }
             void setMenu(std::vector<MenuItem> items) override { lines = items.size(); }
+            void setMenuWindow(std::function<void()>) override { }
             std::optional<bool> isShown() const override { return true; }
             void whenKnown(std::function<void()> then) override { then(); }
 
