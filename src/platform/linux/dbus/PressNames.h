@@ -17,7 +17,7 @@ QList<int> kdeKeys(const KeyPress &press, const QString &shifted);
 /// Whether kdeKeys() needs to know what the key types with Shift.
 bool needsShifted(const KeyPress &press);
 
-/// As the freedesktop.org shortcuts specification writes it: "LOGO+SHIFT+u".
+/// As the portal reads it: "LOGO+SHIFT+u".
 QString portalTrigger(const KeyPress &press);
 
 } // namespace PressNames
