@@ -90,8 +90,9 @@ std::optional<WaylandKeymap> WaylandKeymapReader::read(std::chrono::milliseconds
     // The first version has all that is needed.
     reading.seat.reset(reinterpret_cast<wl_seat *>(globals.bind(*seat, wl_seat_interface)));
     wl_seat_add_listener(reading.seat.get(), &kSeatListener, &reading);
-    // What the seat has; the keyboard's keymap.
-    if (!hasAnswered() || !hasAnswered())
+    if (!hasAnswered()) // What the seat has.
+        return std::nullopt;
+    if (!hasAnswered()) // The keyboard's keymap.
         return std::nullopt;
     return reading.keymap;
 }
