@@ -39,12 +39,14 @@ class SettingsWindow:
 
     def badge(self):
         """What the badge in the footer says; None when there is none."""
-        return next((node.name for node in self.all("alert message")), None)
+        # It may be gone again before all the rest has been looked at.
+        return next((node.name for node in self.window.all_from_the_end()
+                     if node.role == "alert message"), None)
 
     def wait_for_badge(self, text, seconds=10):
         """Waits until the badge says this, or is gone if `text` is None."""
         processes.wait_until(lambda: self.badge() == text, seconds,
-                             f"badge {text!r}, not {self.badge()!r}")
+                             lambda: f"badge {text!r}, not {self.badge()!r}")
 
     def wait_for_name(self, name, seconds=5):
         """Waits until something is called by this name."""
@@ -86,7 +88,7 @@ class SettingsWindow:
         self._screen.type(text)
         if field.role == "text":
             processes.wait_until(lambda: field.text == text, 5,
-                                 f"{text!r} in {name!r}, not {field.text!r}")
+                                 lambda: f"{text!r} in {name!r}, not {field.text!r}")
 
     def open_tab(self, name):
         """Goes from tab to tab until this one is shown."""

@@ -137,16 +137,19 @@ class Node:
 
     def all(self):
         """What can be seen in it, a parent before its children."""
-        found = []
+        return list(self.all_from_the_end())[::-1]
+
+    def all_from_the_end(self):
+        """The same the other way round, looked at one by one."""
         try:
-            for child in self.children():
+            for child in reversed(self.children()):
                 if "showing" in child.states:
-                    found += [child, *child.all()]
+                    yield from child.all_from_the_end()
+                    yield child
         except GLib.Error as error:
             # It has gone while it was being looked at.
             if not error.message.startswith(_GONE):
                 raise
-        return found
 
     def _property(self, interface, key):
         return self._bus.property(self.owner, self.path, interface, key)

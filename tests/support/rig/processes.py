@@ -102,11 +102,12 @@ def pass_in(condition, seconds):
 
 
 def wait_until(condition, seconds, what, interval=0.005):
-    """Returns the first true result of `condition()`; TimeoutError names `what` was missing."""
+    """Returns the first true result of `condition()`; TimeoutError names `what` was missing: a
+    text, or a function that gives it then."""
     limit = time.monotonic() + seconds
     while True:
         if result := condition():
             return result
         if time.monotonic() > limit:
-            raise TimeoutError(f"not within {seconds} s: {what}")
+            raise TimeoutError(f"not within {seconds} s: {what() if callable(what) else what}")
         time.sleep(interval)

@@ -94,7 +94,7 @@ class TrayItem:
     def wait_for_label(self, label, seconds=10):
         """Waits until the menu has an entry of this label."""
         processes.wait_until(lambda: label in self.labels(), seconds,
-                             f"{label!r} among {self.labels()}")
+                             lambda: f"{label!r} among {self.labels()}")
 
     def wait_until_enabled(self, label, enabled=True, seconds=10):
         """Waits until the entry can, or cannot, be chosen."""
