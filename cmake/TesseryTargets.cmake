@@ -34,14 +34,27 @@ if(TESSERY_SANITIZE)
   target_link_options(tessery_options INTERFACE -fsanitize=address,undefined)
 endif()
 
-# tessery_library(NAME SOURCES... HEADERS... LINKS...): the static library of one folder. Its
-# headers are listed so that each can be compiled alone (target all_verify_interface_header_sets).
+# tessery_library(NAME SOURCES... HEADERS... LINKS...): the static library of one folder. Headers
+# without a source of the same name, which would include them first, are set apart so that each can
+# be compiled alone (target all_verify_interface_header_sets).
 function(tessery_library name)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;HEADERS;LINKS;PRIVATE_LINKS")
+  set(lone_headers "")
+  foreach(header IN LISTS arg_HEADERS)
+    string(REGEX REPLACE "\\.h$" ".cpp" source "${header}")
+    if(NOT source IN_LIST arg_SOURCES)
+      list(APPEND lone_headers ${header})
+    endif()
+  endforeach()
+  list(REMOVE_ITEM arg_HEADERS ${lone_headers})
+
   add_library(${name} STATIC ${arg_SOURCES})
   target_sources(${name} PUBLIC
-    FILE_SET HEADERS BASE_DIRS "${PROJECT_SOURCE_DIR}/src" FILES ${arg_HEADERS})
-  set_target_properties(${name} PROPERTIES VERIFY_INTERFACE_HEADER_SETS ON)
+    FILE_SET HEADERS BASE_DIRS "${PROJECT_SOURCE_DIR}/src" FILES ${arg_HEADERS}
+    FILE_SET lone_headers TYPE HEADERS BASE_DIRS "${PROJECT_SOURCE_DIR}/src" FILES ${lone_headers})
+  set_target_properties(${name} PROPERTIES
+    VERIFY_INTERFACE_HEADER_SETS ON
+    INTERFACE_HEADER_SETS_TO_VERIFY lone_headers)
   target_link_libraries(${name} PUBLIC tessery_options ${arg_LINKS} PRIVATE ${arg_PRIVATE_LINKS})
 endfunction()
 
