@@ -81,6 +81,15 @@ private Q_SLOTS:
         QCOMPARE(told(QString(), u"> STOR shot 530.png\r\n< 226 ok\r\n"_s, 0), kAuthentication);
     }
 
+    void successAtTheSecondAddressIsAConnectionFailure()
+    {
+        QCOMPARE(told(QString(),
+                      u"* connect to ::1 port 21 failed: Connection refused\n"
+                      "* Connected to x.org (127.0.0.1) port 21\r\n< 226 ok\r\n"_s,
+                      0),
+                 kConnection);
+    }
+
     void passwordThatLooksLikeARuleDoesNotMatter()
     {
         ProcessOutcome outcome;
