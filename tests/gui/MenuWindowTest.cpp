@@ -8,6 +8,7 @@
 #include "base/SecureRandom.h"
 #include "support/FakePlatform.h"
 #include "support/TestMain.h"
+#include "support/ValidSettings.h"
 
 #include <QAccessible>
 #include <QApplication>
@@ -123,10 +124,10 @@ private Q_SLOTS:
 
     void activatedItSeesAPasswordStoredSince()
     {
-        m_state->setSettings(filledIn());
+        m_state->setSettings(validSettings());
         open();
         QVERIFY(!entry(u"Start Monitoring"_s)->isEnabled());
-        m_platform->secrets->write(u"org.tessery.Tessery"_s, u"serverPassword"_s, "x");
+        m_platform->storePassword("x");
         QEvent activation(QEvent::WindowActivate);
         QCoreApplication::sendEvent(m_window.get(), &activation);
         QVERIFY(entry(u"Start Monitoring"_s)->isEnabled());
@@ -330,20 +331,10 @@ private:
     QWidget *focus() const { return m_window->focusWidget(); }
     QString focusedText() const { return focus()->accessibleName(); }
 
-    static UploadSettings filledIn()
-    {
-        UploadSettings settings;
-        settings.serverType = UploadSettings::ServerType::ftp;
-        settings.hostname = u"x.org"_s;
-        settings.username = u"me"_s;
-        settings.publicURLBase = u"https://x.org"_s;
-        return settings;
-    }
-
     void makeValid()
     {
-        m_platform->secrets->write(u"org.tessery.Tessery"_s, u"serverPassword"_s, "x");
-        m_state->setSettings(filledIn());
+        m_platform->storePassword("x");
+        m_state->setSettings(validSettings());
     }
 
     std::unique_ptr<QTemporaryDir> m_folder;

@@ -60,7 +60,7 @@ int main(int argc, char *argv[])
     FakePlatform platform;
     platform.fakeAppInfo->versionText = QStringLiteral(TESSERY_VERSION);
     platform.fakeAppInfo->buildText = QStringLiteral(TESSERY_BUILD);
-    platform.secrets->write(u"org.tessery.Tessery"_s, u"serverPassword"_s, "sesame open");
+    platform.storePassword("sesame open");
     ScriptedRandom random;
     random.numbers = {1, 5, 18, 33, 10, 20, 30, 2, 7, 29, 14};
     for (std::uint64_t &number : random.numbers)

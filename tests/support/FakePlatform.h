@@ -44,6 +44,13 @@ public:
     FakePlatform(const FakePlatform &) = delete;
     FakePlatform &operator=(const FakePlatform &) = delete;
 
+    /// Stores the server's password, without which no settings are valid.
+    void storePassword(const QByteArray &password)
+    {
+        secrets->write(QStringLiteral("org.tessery.Tessery"), QStringLiteral("serverPassword"),
+                       password);
+    }
+
     FakeStandardFolders *fakeFolders = nullptr;
     FakePreferencesStore *fakePreferences = nullptr;
     FakeSecretStore *fakeSecrets = nullptr;

@@ -5,7 +5,6 @@
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusObjectPath>
-#include <QDBusPendingCallWatcher>
 #include <QDBusServiceWatcher>
 #include <QDBusVariant>
 
@@ -74,14 +73,11 @@ void DefaultKeyring::call(const QString &path, const QString &interface, const Q
 {
     QDBusMessage message = QDBusMessage::createMethodCall(kService, path, interface, method);
     message.setArguments(arguments);
-    const auto reply =
-        new QDBusPendingCallWatcher(callBus(QDBusConnection::sessionBus(), message), this);
-    QObject::connect(reply, &QDBusPendingCallWatcher::finished, this,
-                     [this, onReply](QDBusPendingCallWatcher *finished) {
-                         finished->deleteLater();
-                         if (m_asking)
-                             (this->*onReply)(finished->reply());
-                     });
+    whenAnswered(callBus(QDBusConnection::sessionBus(), message), this,
+                 [this, onReply](const QDBusPendingReply<> &reply) {
+                     if (m_asking)
+                         (this->*onReply)(reply.reply());
+                 });
 }
 
 void DefaultKeyring::callService(const QString &method, const QVariantList &arguments,

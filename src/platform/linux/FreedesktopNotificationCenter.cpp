@@ -2,7 +2,6 @@
 
 #include "base/AppIdentifier.h"
 #include "platform/linux/dbus/BusCall.h"
-#include "platform/linux/dbus/BusFlush.h"
 
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
@@ -74,17 +73,14 @@ void FreedesktopNotificationCenter::add(const UserNotification &notification,
 void FreedesktopNotificationCenter::askCapabilities(
     std::function<void(const QString &error)> completion)
 {
-    auto *const watcher =
-        new QDBusPendingCallWatcher(callBus(m_bus, methodCall("GetCapabilities"_L1)), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this,
-            [this, watcher, completion = std::move(completion)] {
-                watcher->deleteLater();
-                const QDBusPendingReply<QStringList> reply = *watcher;
-                if (!reply.isError())
-                    m_capabilities = reply.value();
-                completion(reply.isError() ? reply.error().message() : QString());
-                deliverWaiting();
-            });
+    whenAnswered<QDBusPendingReply<QStringList>>(
+        callBus(m_bus, methodCall("GetCapabilities"_L1)), this,
+        [this, completion = std::move(completion)](const QDBusPendingReply<QStringList> &reply) {
+            if (!reply.isError())
+                m_capabilities = reply.value();
+            completion(reply.isError() ? reply.error().message() : QString());
+            deliverWaiting();
+        });
 }
 
 void FreedesktopNotificationCenter::deliverWaiting()
@@ -123,10 +119,8 @@ void FreedesktopNotificationCenter::deliver(const Pending &pending)
         hints,
         -1, // Shown for as long as the server sees fit.
     });
-    auto *const watcher = new QDBusPendingCallWatcher(callBus(m_bus, call), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this,
-            [watcher, completion = pending.completion] {
-                watcher->deleteLater();
-                completion(watcher->isError() ? watcher->error().message() : QString());
-            });
+    whenAnswered(callBus(m_bus, call), this,
+                 [completion = pending.completion](const QDBusPendingReply<> &reply) {
+                     completion(reply.isError() ? reply.error().message() : QString());
+                 });
 }

@@ -7,8 +7,6 @@
 
 #include <QCursor>
 #include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
 #include <QDBusServiceWatcher>
 #include <QDBusVariant>
 #include <QGuiApplication>
@@ -87,10 +85,8 @@ void TrayMenuBarExtra::registerItem()
     QDBusMessage call = QDBusMessage::createMethodCall(kWatcher, kWatcherPath, kWatcher,
                                                        u"RegisterStatusNotifierItem"_s);
     call.setArguments({m_bus.baseService()});
-    auto *const reply = new QDBusPendingCallWatcher(callBus(m_bus, call), this);
-    connect(reply, &QDBusPendingCallWatcher::finished, this, [this, reply] {
-        reply->deleteLater();
-        if (reply->isError())
+    whenAnswered(callBus(m_bus, call), this, [this](const QDBusPendingReply<> &reply) {
+        if (reply.isError())
             onHostLost();
         else
             lookForHost();
@@ -103,15 +99,13 @@ void TrayMenuBarExtra::lookForHost()
     QDBusMessage call = QDBusMessage::createMethodCall(
         kWatcher, kWatcherPath, u"org.freedesktop.DBus.Properties"_s, u"Get"_s);
     call.setArguments({QString(kWatcher), u"IsStatusNotifierHostRegistered"_s});
-    auto *const watcher = new QDBusPendingCallWatcher(callBus(m_bus, call), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
-        watcher->deleteLater();
-        const QDBusPendingReply<QDBusVariant> reply = *watcher;
-        if (!reply.isError() && reply.value().variant().toBool())
-            onHostRegistered();
-        else
-            onHostLost();
-    });
+    whenAnswered<QDBusPendingReply<QDBusVariant>>(
+        callBus(m_bus, call), this, [this](const QDBusPendingReply<QDBusVariant> &reply) {
+            if (!reply.isError() && reply.value().variant().toBool())
+                onHostRegistered();
+            else
+                onHostLost();
+        });
 }
 
 void TrayMenuBarExtra::onHostRegistered()

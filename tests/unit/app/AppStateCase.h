@@ -5,6 +5,7 @@
 #include "support/FakePlatform.h"
 #include "support/FixedClock.h"
 #include "support/TestMain.h"
+#include "support/ValidSettings.h"
 
 #include <QCoro/QCoroTask>
 #include <QDir>
@@ -16,18 +17,6 @@
 #include <optional>
 
 using namespace Qt::StringLiterals;
-
-/// Settings that upload, under the address https://x.org/shots.
-inline UploadSettings validSettings()
-{
-    UploadSettings settings;
-    settings.serverType = UploadSettings::ServerType::ftp;
-    settings.hostname = u"127.0.0.1"_s;
-    settings.port = 21;
-    settings.username = u"me"_s;
-    settings.publicURLBase = u"https://x.org/shots"_s;
-    return settings;
-}
 
 /// AppState on a platform of fakes, with a real screenshot folder and a script in curl's place.
 class AppStateCase : public QObject {
@@ -42,7 +31,7 @@ private Q_SLOTS:
         m_platform->fakeFolders->homePath = m_folder->path();
         QVERIFY(QDir(m_folder->path()).mkpath(u"Desktop"_s));
         QVERIFY(QDir(m_folder->path()).mkpath(u"tmp"_s));
-        m_platform->secrets->write(u"org.tessery.Tessery"_s, u"serverPassword"_s, "secret");
+        m_platform->storePassword("secret");
         curlDoes("exit 0");
     }
 

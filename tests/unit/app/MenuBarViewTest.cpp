@@ -5,6 +5,7 @@
 #include "base/SecureRandom.h"
 #include "support/FakePlatform.h"
 #include "support/TestMain.h"
+#include "support/ValidSettings.h"
 
 #include <QApplication>
 #include <QDir>
@@ -116,10 +117,9 @@ private Q_SLOTS:
 
     void openingTheMenuSeesAPasswordStoredSince()
     {
-        UploadSettings settings = filledIn();
-        m_state->setSettings(settings);
+        m_state->setSettings(validSettings());
         QTRY_VERIFY(!enabledTexts().contains(u"Start Monitoring"_s));
-        m_platform->secrets->write(u"org.tessery.Tessery"_s, u"serverPassword"_s, "x");
+        m_platform->storePassword("x");
         menu().aboutToShow();
         QVERIFY(enabledTexts().contains(u"Start Monitoring"_s));
     }
@@ -179,19 +179,10 @@ private:
         return texts;
     }
 
-    static UploadSettings filledIn()
-    {
-        UploadSettings settings;
-        settings.hostname = u"x.org"_s;
-        settings.username = u"me"_s;
-        settings.publicURLBase = u"https://x.org"_s;
-        return settings;
-    }
-
     void makeValid()
     {
-        m_platform->secrets->write(u"org.tessery.Tessery"_s, u"serverPassword"_s, "x");
-        m_state->setSettings(filledIn());
+        m_platform->storePassword("x");
+        m_state->setSettings(validSettings());
     }
 
     std::unique_ptr<QTemporaryDir> m_folder;

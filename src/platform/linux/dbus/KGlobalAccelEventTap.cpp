@@ -2,8 +2,7 @@
 
 #include "base/AppIdentifier.h"
 #include "base/Log.h"
-#include "platform/linux/dbus/BusFlush.h"
-#include "platform/linux/dbus/WhenAnswered.h"
+#include "platform/linux/dbus/BusCall.h"
 
 #include <QDBusMessage>
 #include <QGuiApplication>

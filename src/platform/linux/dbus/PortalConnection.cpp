@@ -1,7 +1,7 @@
 #include "platform/linux/dbus/PortalConnection.h"
 
 #include "platform/linux/dbus/PortalNames.h"
-#include "platform/linux/dbus/WhenAnswered.h"
+#include "platform/linux/dbus/BusCall.h"
 
 #include <QDBusMessage>
 

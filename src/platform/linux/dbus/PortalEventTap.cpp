@@ -5,7 +5,7 @@
 #include "platform/linux/dbus/PortalNames.h"
 #include "platform/linux/dbus/PortalShortcut.h"
 #include "platform/linux/dbus/PressNames.h"
-#include "platform/linux/dbus/WhenAnswered.h"
+#include "platform/linux/dbus/BusCall.h"
 
 #include <QDBusMetaType>
 

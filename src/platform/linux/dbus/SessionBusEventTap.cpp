@@ -8,7 +8,6 @@
 #include "platform/linux/dbus/PortalEventTap.h"
 #include "platform/linux/dbus/PortalNames.h"
 #include "platform/linux/dbus/PressNames.h"
-#include "platform/linux/dbus/WhenAnswered.h"
 #include "platform/linux/wayland/WaylandKeymap.h"
 #include "platform/linux/wayland/WaylandKeymapReader.h"
 
