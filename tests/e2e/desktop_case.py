@@ -21,6 +21,8 @@ class DesktopCase(unittest.TestCase):
 
     desktop_kind = Desktop
     desktop_options = {}
+    # What the programs may write to standard error, as a pattern of whole lines. As a rule nothing.
+    expected_errors = "(?!)"
 
     def setUp(self):
         self.desktop = self.enterContext(self.desktop_kind(**self.desktop_options))
@@ -30,7 +32,8 @@ class DesktopCase(unittest.TestCase):
         for program in self.programs:
             if program.is_running():
                 program.terminate()
-        said = [line for program in self.programs for line in program.errors.all]
+        said = [line for program in self.programs for line in program.errors.all
+                if not re.fullmatch(self.expected_errors, line)]
         self.assertEqual(said, [], "nothing is written to standard error")
         self.desktop.assert_clean()
 

@@ -215,7 +215,7 @@ class Ftps(ScreenshotCase):
         self.assertEqual(self.on_server(), {})
 
     def test_certificate_that_is_trusted(self):
-        self.store_settings(allowInsecureCertificates=False, hostname="localhost")
+        self.store_settings(allowInsecureCertificates=False)
         self.take(environment={"CURL_CA_BUNDLE": self.server.certificate})
 
 

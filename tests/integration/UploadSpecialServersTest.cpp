@@ -1,8 +1,9 @@
-#include "CurlVersion.h"
 #include "SshAgent.h"
 #include "UploadSurroundings.h"
 #include "support/CapturedOutput.h"
 #include "support/TestMain.h"
+
+#include <QRegularExpression>
 
 #include <memory>
 #include <optional>
@@ -49,11 +50,12 @@ private Q_SLOTS:
         m_uploads->settings.serverType = type;
         m_uploads->settings.remotePath = server.fact("fullPath");
         const QString told = uploadLarge();
-        // The server hangs up in mid-transfer; newer versions of curl tell it in their own words.
-        const bool hasWords = type == ServerType::ftps && curlIsVersion8();
-        QVERIFY2(told.startsWith(hasWords ? u"Upload failed: * OpenSSL SSL_write: "_s
-                                          : u"Upload failed: FTP upload failed (exit code "_s),
-                 qPrintable(told));
+        // The server hangs up in mid-transfer. In whose words that is told depends on the version
+        // of curl, and on how much was on its way by then.
+        static const QRegularExpression words(
+            u"^Upload failed: "
+            "(FTP upload failed \\(exit code |< 451 Transfer aborted|\\* OpenSSL SSL_write: )"_s);
+        QVERIFY2(words.match(told).hasMatch(), qPrintable(told));
         QVERIFY(!told.contains(u"s3cr3t"_s));
     }
 

@@ -4,7 +4,7 @@ import os
 import pathlib
 import threading
 
-from gi.repository import Gio, GLib
+from gi.repository import Gio, GLib, GObject
 
 from rig import processes
 
@@ -124,7 +124,7 @@ def connect(address):
     flags = (Gio.DBusConnectionFlags.AUTHENTICATION_CLIENT
              | Gio.DBusConnectionFlags.MESSAGE_BUS_CONNECTION
              | Gio.DBusConnectionFlags.CROSS_NAMESPACE)
-    connection = Gio.DBusConnection(address=address, flags=flags)
+    connection = GObject.new(Gio.DBusConnection, address=address, flags=flags)
     connection.init(None)
     connection.set_exit_on_close(False)
     return connection

@@ -81,10 +81,11 @@ class Mutter(WaylandScreen):
         return [window for window in result.stdout.split() if self._is_programs(window)]
 
     def _is_programs(self, window):
-        """Not a frame: newer versions have a program draw those, in windows with the same titles."""
-        answer = self._household.run(["xprop", "-id", window, "_MUTTER_FRAME_FOR"], check=False,
+        """Not a frame: newer versions have a program draw those, in windows with the same titles.
+        The manager of the windows notes its state in a program's own."""
+        answer = self._household.run(["xprop", "-id", window, "WM_STATE"], check=False,
                                      capture_output=True, text=True)
-        return answer.returncode == 0 and "window id" not in answer.stdout
+        return "window state" in answer.stdout
 
     def _focus(self, window):
         self.run("xdotool", "windowactivate", "--sync", window)

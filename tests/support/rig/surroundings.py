@@ -43,6 +43,9 @@ class Surroundings:
             "LIBGL_ALWAYS_SOFTWARE": "1",
             "NO_AT_BRIDGE": "1",
             "GSETTINGS_BACKEND": "memory",
+            # Without GNOME's services of drives and shares, whose absence GTK's dialog complains of.
+            "GIO_USE_VFS": "local",
+            "GIO_USE_VOLUME_MONITOR": "unix",
         }
 
     def program_environment(self):

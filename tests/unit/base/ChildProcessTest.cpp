@@ -7,6 +7,8 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QProcess>
+#include <QScopeGuard>
+#include <QStringList>
 #include <QTemporaryDir>
 #include <QTimer>
 
@@ -132,6 +134,12 @@ private Q_SLOTS:
 
     void lackOfDescriptorsIsTold()
     {
+        // Qt warns of it besides.
+        static QStringList warnings;
+        const QtMessageHandler handler = qInstallMessageHandler(
+            [](QtMsgType, const QMessageLogContext &, const QString &text) { warnings += text; });
+        const auto putBack = qScopeGuard([handler] { qInstallMessageHandler(handler); });
+
         rlimit before = {};
         ::getrlimit(RLIMIT_NOFILE, &before);
         rlimit few = before;
@@ -147,6 +155,8 @@ private Q_SLOTS:
             QCOMPARE(outcome.errorText,
                      u"Could not start /bin/sh: No process or pipe could be made"_s);
         }
+        for (const QString &text : std::as_const(warnings))
+            QVERIFY2(text.contains(u": Cannot create pipe "_s), qPrintable(text));
     }
 
     void limitEndsTheChild()
