@@ -1,5 +1,6 @@
 """One program in a session: what becomes of further starts."""
 
+import os
 import signal
 import time
 import unittest
@@ -122,14 +123,14 @@ class QuittingTest(InstanceCase):
     server_options = {}
 
     def begin_upload(self, **environment):
-        """Starts the program and an upload that hangs, with a service that will not answer."""
+        """Starts the program and an upload, whose tool does not even end when it is told to."""
         self.store_settings_for_silence(self.server, "FTP")
         self.desktop.screen.set_clipboard("some text")
         program = self.start(environment=environment)
         self.desktop.tray_item(program)
         self.hand_over("upload-clipboard")
-        processes.wait_until(lambda: self.tools(program), 10, "the tool runs")
-        self.desktop.pause_notification_daemon()
+        tool, = processes.wait_until(lambda: self.tools(program), 10, "the tool runs")
+        os.kill(tool, signal.SIGSTOP)
         return program
 
     def tools(self, program):
