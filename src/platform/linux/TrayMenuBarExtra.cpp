@@ -82,14 +82,16 @@ void TrayMenuBarExtra::exportItem()
 
 void TrayMenuBarExtra::registerItem()
 {
+    m_isRegistered = false;
     QDBusMessage call = QDBusMessage::createMethodCall(kWatcher, kWatcherPath, kWatcher,
                                                        u"RegisterStatusNotifierItem"_s);
     call.setArguments({m_bus.baseService()});
     whenAnswered(callBus(m_bus, call), this, [this](const QDBusPendingReply<> &reply) {
-        if (reply.isError())
-            onHostLost();
-        else
+        m_isRegistered = !reply.isError();
+        if (m_isRegistered)
             lookForHost();
+        else
+            onHostLost();
     });
 }
 
@@ -110,6 +112,11 @@ void TrayMenuBarExtra::lookForHost()
 
 void TrayMenuBarExtra::onHostRegistered()
 {
+    // Watchers have their name before they can be asked, and a host only after that.
+    if (!m_isRegistered) {
+        registerItem();
+        return;
+    }
     m_hasHost = true;
     m_xembedGrace.stop();
     m_xembedIcon.reset();

@@ -41,6 +41,7 @@ private:
     void popUpMenu(QPoint position);
 
     QDBusConnection m_bus;
+    bool m_isRegistered = false; ///< The watcher knows the item.
     bool m_hasHost = false; ///< A panel shows the StatusNotifierItem.
     bool m_isKnown = false; ///< It has turned out whether there is a host.
     std::vector<std::function<void()>> m_whenKnown;
