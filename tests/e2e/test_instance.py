@@ -144,7 +144,7 @@ class QuittingTest(InstanceCase):
         self.assertTrue(first.is_running())
         second = self.start()
         processes.wait_until(lambda: second.output.all or not first.is_running(), 10, "the turn")
-        self.assertFalse(first.is_running(), "they do not run side by side")
+        self.assertEqual(self.tools(first), [], "they do not work side by side")
         self.assertEqual(first.wait(), 0)
         self.desktop.tray_item(second)
         self.assertEqual(self.desktop.bus.process_of(NAME), second.pid)

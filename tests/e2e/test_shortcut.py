@@ -113,6 +113,7 @@ class ShortcutTest(ShortcutCase):
         self.keys.tap(keys.U, *HELD)
         error = self.desktop.notifications.wait_for("Upload Error")
         self.assertEqual(error.body, "Please configure server settings first")
+        program.wait_for_line("❌ Settings not valid")
         self.assertEqual(program.output.all[-2:], [TRIGGERED, "❌ Settings not valid"])
         self.assertEqual(self.desktop.screen.clipboard(), "private")
 

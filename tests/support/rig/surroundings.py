@@ -43,9 +43,8 @@ class Surroundings:
             "LIBGL_ALWAYS_SOFTWARE": "1",
             "NO_AT_BRIDGE": "1",
             "GSETTINGS_BACKEND": "memory",
-            # Without GNOME's services of drives and shares, whose absence GTK's dialog complains of.
-            "GIO_USE_VFS": "local",
-            "GIO_USE_VOLUME_MONITOR": "unix",
+            # None: those of GNOME complain that the services of drives and shares are not there.
+            "GIO_MODULE_DIR": str(self.runtime),
         }
 
     def program_environment(self):
