@@ -1,6 +1,7 @@
 """Reading and using tray items the way a panel does: StatusNotifierItem and its D-Bus menu."""
 
 import dataclasses
+import re
 
 from gi.repository import GLib
 
@@ -10,6 +11,9 @@ WATCHER = "org.kde.StatusNotifierWatcher"
 WATCHER_PATH = "/StatusNotifierWatcher"
 ITEM = "org.kde.StatusNotifierItem"
 MENU = "com.canonical.dbusmenu"
+
+_NOT_THERE = re.compile(r"GDBus\.Error:org\.freedesktop\.DBus\.Error\.(UnknownObject|UnknownInterface"
+                        r"|UnknownMethod|NameHasNoOwner|ServiceUnknown)")
 
 
 @dataclasses.dataclass
@@ -26,17 +30,25 @@ class Entry:
     shortcut: list
 
 
+def _known_to_watcher(bus, key):
+    """What the service that knows items and panels tells; None if it is not there, or not yet: it
+    has its name before it has its object."""
+    try:
+        return bus.property(WATCHER, WATCHER_PATH, WATCHER, key) if bus.has_owner(WATCHER) else None
+    except GLib.Error as error:
+        if not _NOT_THERE.search(error.message):
+            raise
+        return None
+
+
 def host_registered(bus):
     """Whether a panel shows tray items."""
-    return bus.has_owner(WATCHER) and bus.property(
-        WATCHER, WATCHER_PATH, WATCHER, "IsStatusNotifierHostRegistered")
+    return _known_to_watcher(bus, "IsStatusNotifierHostRegistered") or False
 
 
 def items(bus):
     """The registered items as pairs of bus name and object path."""
-    if not bus.has_owner(WATCHER):
-        return []
-    names = bus.property(WATCHER, WATCHER_PATH, WATCHER, "RegisteredStatusNotifierItems")
+    names = _known_to_watcher(bus, "RegisteredStatusNotifierItems") or []
     return [(name, "/" + path) for name, _, path in (item.partition("/") for item in names)]
 
 
