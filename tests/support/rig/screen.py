@@ -152,7 +152,9 @@ class Screen:
 
     def wait_for_window(self, title, seconds=10):
         """Waits until a window of this title is visible and has the keyboard; gives its id."""
-        window, = processes.wait_until(lambda: self.windows(title), seconds, f"window {title!r}")
+        window, = processes.wait_until(
+            lambda: self.windows(title), seconds,
+            lambda: f"window {title!r} in {self.run('xwininfo', '-root', '-tree')}")
         self.run("xdotool", "windowfocus", "--sync", window)
         return window
 
