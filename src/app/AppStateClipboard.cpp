@@ -4,9 +4,9 @@
 #include "base/Clock.h"
 #include "base/FileName.h"
 #include "base/Log.h"
+#include "base/LoggedName.h"
 #include "base/SystemError.h"
 #include "base/TemporaryFile.h"
-#include "monitor/LoggedName.h"
 #include "platform/Platform.h"
 
 #include <utility>

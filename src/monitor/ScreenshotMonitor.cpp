@@ -1,7 +1,7 @@
 #include "monitor/ScreenshotMonitor.h"
 
 #include "base/Log.h"
-#include "monitor/LoggedName.h"
+#include "base/LoggedName.h"
 #include "monitor/WatchedFolder.h"
 #include "platform/FolderWatcher.h"
 #include "platform/StandardFolders.h"

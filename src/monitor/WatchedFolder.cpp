@@ -1,8 +1,8 @@
 #include "monitor/WatchedFolder.h"
 
 #include "base/Log.h"
+#include "base/LoggedName.h"
 #include "monitor/FolderListing.h"
-#include "monitor/LoggedName.h"
 #include "monitor/ScreenshotName.h"
 
 #include <QByteArray>

@@ -1,4 +1,4 @@
-#include "monitor/LoggedName.h"
+#include "base/LoggedName.h"
 
 namespace {
 
