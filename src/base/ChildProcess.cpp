@@ -10,8 +10,10 @@
 
 #include <fcntl.h>
 #include <sys/prctl.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <csignal>
@@ -39,6 +41,7 @@ public:
         for (QByteArray &text : m_texts)
             m_arguments.push_back(text.data());
         m_arguments.push_back(nullptr);
+        setVariables(command.variables);
 
         std::array<int, 2> ends = {};
         if (::pipe2(ends.data(), O_CLOEXEC) == 0) {
@@ -61,7 +64,7 @@ public:
         sigprocmask(SIG_SETMASK, &none, nullptr);
         ::prctl(PR_SET_PDEATHSIG, SIGTERM);
         if (::getppid() == m_parent) { // Else it died before we asked to be told.
-            ::execv(m_arguments.front(), m_arguments.data());
+            ::execve(m_arguments.front(), m_arguments.data(), m_environment.data());
             const int error = errno;
             [[maybe_unused]] const ssize_t written = ::write(m_writer.get(), &error, sizeof error);
         }
@@ -81,12 +84,41 @@ public:
     }
 
 private:
+    /// Our own environment, with variables in the place of those of the same names.
+    void setVariables(const QStringList &variables)
+    {
+        for (const QString &variable : variables)
+            m_variables.push_back(variable.toUtf8());
+        for (char **inherited = environ; *inherited; ++inherited) {
+            const QByteArrayView text(*inherited);
+            const auto replaces = [name = text.first(text.indexOf('=') + 1)](QByteArrayView other) {
+                return other.startsWith(name);
+            };
+            if (std::ranges::none_of(m_variables, replaces))
+                m_environment.push_back(*inherited);
+        }
+        for (QByteArray &variable : m_variables)
+            m_environment.push_back(variable.data());
+        m_environment.push_back(nullptr);
+    }
+
     pid_t m_parent = ::getpid();
     std::vector<QByteArray> m_texts;
     std::vector<char *> m_arguments;
+    std::vector<QByteArray> m_variables;
+    std::vector<char *> m_environment;
     UniqueFd m_reader;
     UniqueFd m_writer;
 };
+
+/// Whether a child that we have not reaped has ended.
+bool hasEnded(qint64 pid)
+{
+    siginfo_t info = {};
+    return pid > 0
+        && ::waitid(P_PID, static_cast<id_t>(pid), &info, WEXITED | WNOHANG | WNOWAIT) == 0
+        && info.si_pid == pid;
+}
 
 /// Kills what is left of the session that the child with this id leads or led.
 void killSession(qint64 leader)
@@ -174,18 +206,21 @@ QCoro::Task<ProcessOutcome> runChildProcess(ProcessCommand command, std::stop_to
     limit.setSingleShot(true);
     limit.setTimerType(Qt::PreciseTimer);
     limit.callOnTimeout(&process, [&cutShortAs] { cutShortAs(Ending::TimedOut); });
-    limit.start(command.limit);
     const std::stop_callback onStop(stop, [&cutShortAs] { cutShortAs(Ending::Stopped); });
 
     process.start(command.program, command.arguments);
     const qint64 session = process.processId();
     const std::optional<int> startFailure = launch.failure();
+    limit.start(command.limit);
     co_await endedOrCutShort;
 
-    if (ended.hasFired())
-        cutShort.reset(); // It ended by itself before we came to tell it.
-    else
+    // Where we were busy, its end may be long ago, and the limit is only the first that we hear of.
+    if (ended.hasFired() || hasEnded(session)) {
+        cutShort.reset();
+        co_await ended;
+    } else {
         co_await endProcess(&process, &ended);
+    }
     killSession(session); // What it left running would outlive it.
 
     if (startFailure)

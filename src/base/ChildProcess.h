@@ -12,7 +12,8 @@
 struct ProcessCommand {
     QString program;
     QStringList arguments;
-    std::chrono::milliseconds limit{0};
+    std::chrono::milliseconds limit{0}; ///< From when it runs.
+    QStringList variables = {}; ///< "NAME=value", over those of the environment that it inherits.
 };
 
 /// How a child process ended.
@@ -20,8 +21,8 @@ struct ProcessOutcome {
     enum class Ending {
         Exited, ///< By itself; status is its exit code.
         Crashed, ///< By a signal of somebody else's; status is the signal's number.
-        TimedOut, ///< The limit struck, and it was ended.
-        Stopped, ///< The stop token asked for it, and it was ended.
+        TimedOut, ///< It still ran when the limit struck, and was ended.
+        Stopped, ///< It still ran when the stop token asked for its end, and was ended.
         CouldNotStart, ///< errorText says why.
     };
 

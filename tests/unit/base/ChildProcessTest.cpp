@@ -10,6 +10,7 @@
 #include <QScopeGuard>
 #include <QStringList>
 #include <QTemporaryDir>
+#include <QThread>
 #include <QTimer>
 
 #include <fcntl.h>
@@ -92,6 +93,19 @@ private Q_SLOTS:
         QCOMPARE(outcome.standardOutput, expected);
     }
 
+    void variablesStandInThePlaceOfInheritedOnes()
+    {
+        qputenv("TESSERY_TEST_A", "inherited");
+        qputenv("TESSERY_TEST_AB", "inherited");
+        ProcessCommand command = shell(u"env | grep ^TESSERY_TEST_ | sort"_s);
+        command.variables = {u"TESSERY_TEST_A=ours=\u00e9"_s, u"TESSERY_TEST_C="_s};
+        const ProcessOutcome outcome = run(command);
+        qunsetenv("TESSERY_TEST_A");
+        qunsetenv("TESSERY_TEST_AB");
+        QCOMPARE(outcome.standardOutput,
+                 "TESSERY_TEST_A=ours=\u00e9\nTESSERY_TEST_AB=inherited\nTESSERY_TEST_C=\n");
+    }
+
     void deathBySignalIsNoExit_data()
     {
         QTest::addColumn<int>("signal");
@@ -168,6 +182,28 @@ private Q_SLOTS:
         QCOMPARE(outcome.standardOutput, QByteArray());
         QVERIFY(timer.elapsed() >= 100);
         QVERIFY2(timer.elapsed() < 1000, QByteArray::number(timer.elapsed()).constData());
+    }
+
+    void childThatEndedWhileWeWereBusyIsNotLate()
+    {
+        // Blocks the event loop from before the end of the child until after its limit.
+        QTimer::singleShot(0, this, [] { QThread::sleep(1); });
+        const ProcessOutcome outcome = run(shell(u"sleep 0.1; echo out; exit 3"_s, 300ms));
+        QCOMPARE(outcome.ending, Ending::Exited);
+        QCOMPARE(outcome.status, 3);
+        QCOMPARE(outcome.standardOutput, "out\n");
+    }
+
+    void childThatEndedWhileWeWereBusyIsNotStopped()
+    {
+        std::stop_source source;
+        QTimer::singleShot(0, this, [&source] {
+            QThread::sleep(1);
+            source.request_stop();
+        });
+        const ProcessOutcome outcome = run(shell(u"sleep 0.1; exit 3"_s), source.get_token());
+        QCOMPARE(outcome.ending, Ending::Exited);
+        QCOMPARE(outcome.status, 3);
     }
 
     void limitOfNothingStrikesAtOnce()
