@@ -87,10 +87,12 @@ QCoro::Task<> AppState::handleNewScreenshot(QUrl fileURL)
 
 QCoro::Task<> AppState::uploadFile(QUrl fileURL, QString remoteFileName, QString displayName)
 {
+    // Others may be saved meanwhile, but the address is that of the server that got the file.
+    const UploadSettings settings = m_settings;
     // Quitting drains the tasks before this object goes, so it is alive after the wait.
     std::optional<QString> error;
     try {
-        co_await m_uploadService.upload(fileURL, m_settings, remoteFileName);
+        co_await m_uploadService.upload(fileURL, settings, remoteFileName);
     } catch (const UploadError &uploadError) {
         error = uploadError.errorDescription();
     } catch (const SystemError &systemError) {
@@ -101,8 +103,7 @@ QCoro::Task<> AppState::uploadFile(QUrl fileURL, QString remoteFileName, QString
     if (error)
         reportFailure(*error);
     else
-        co_await reportSuccess(publicAddress(m_settings.publicURLBase, remoteFileName),
-                               displayName);
+        co_await reportSuccess(publicAddress(settings.publicURLBase, remoteFileName), displayName);
 }
 
 QCoro::Task<> AppState::reportSuccess(QString url, QString displayName)
