@@ -25,6 +25,14 @@ QStringList SftpCommand::arguments(const UploadSettings &settings, const QString
             settings.username + u'@' + settings.hostname};
 }
 
+bool SftpCommand::areKeysRefused(const ProcessOutcome &outcome)
+{
+    // Offered more keys than it allows, the server breaks off before it has refused the last.
+    return outcome.status != 0
+        && (outcome.standardError.contains("Permission denied")
+            || outcome.standardError.contains("Too many authentication failures"));
+}
+
 std::optional<UploadError> SftpCommand::verdict(const ProcessOutcome &outcome)
 {
     // Any word of sftp's is a failure, except that it always tells of the new host key.

@@ -23,6 +23,9 @@ QString batchText(const QString &remotePath, const QString &filePath,
 QStringList arguments(const UploadSettings &settings, const QString &batchPath,
                       const UploadLimits &limits);
 
+/// Whether the server has refused every key that it was offered. outcome as below.
+bool areKeysRefused(const ProcessOutcome &outcome);
+
 /// Why the upload failed; absent when it succeeded. outcome is of a process that ended by itself.
 std::optional<UploadError> verdict(const ProcessOutcome &outcome);
 

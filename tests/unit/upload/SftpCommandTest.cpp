@@ -94,6 +94,32 @@ private Q_SLOTS:
             QVERIFY(*error == UploadError::uploadFailed(message));
     }
 
+    void refusedKeysAreToldFromOtherFailures_data()
+    {
+        QTest::addColumn<QByteArray>("standardError");
+        QTest::addColumn<int>("status");
+        QTest::addColumn<bool>("areRefused");
+        QTest::newRow("refused") << QByteArray(
+            "Warning: Permanently added 'h'\r\nme@h: Permission denied (publickey).")
+                                 << 255 << true;
+        QTest::newRow("too many") << QByteArray("Received disconnect from 127.0.0.1 port 2:2: Too "
+                                                "many authentication failures")
+                                  << 255 << true;
+        QTest::newRow("accepted") << QByteArray("banner: Permission denied\n") << 0 << false;
+        QTest::newRow("unreachable") << QByteArray("Connection closed") << 255 << false;
+        QTest::newRow("silence") << QByteArray() << 1 << false;
+    }
+    void refusedKeysAreToldFromOtherFailures()
+    {
+        QFETCH(QByteArray, standardError);
+        QFETCH(int, status);
+        ProcessOutcome outcome;
+        outcome.ending = ProcessOutcome::Ending::Exited;
+        outcome.status = status;
+        outcome.standardError = standardError;
+        QTEST(SftpCommand::areKeysRefused(outcome), "areRefused");
+    }
+
     void deathBySignalTellsTheSignal()
     {
         ProcessOutcome outcome;
