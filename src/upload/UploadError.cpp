@@ -32,6 +32,11 @@ UploadError UploadError::timeout()
     return UploadError(Kind::timeout);
 }
 
+UploadError UploadError::withMessage(const QString &message) const
+{
+    return m_message.isEmpty() ? *this : UploadError(m_kind, message);
+}
+
 QString UploadError::errorDescription() const
 {
     switch (m_kind) {

@@ -25,6 +25,8 @@ public:
     Kind kind() const { return m_kind; }
     /// Empty unless kind() is connectionFailed or uploadFailed.
     const QString &message() const { return m_message; }
+    /// The same failure with another message, where its kind has one.
+    UploadError withMessage(const QString &message) const;
     QString errorDescription() const;
     /// errorDescription() in UTF-8.
     const char *what() const noexcept override { return m_utf8.constData(); }

@@ -36,6 +36,15 @@ private Q_SLOTS:
         }
     }
 
+    void otherMessageIsOfTheSameKind()
+    {
+        QVERIFY(UploadError::uploadFailed(u"a"_s).withMessage(u"b"_s)
+                == UploadError::uploadFailed(u"b"_s));
+        QVERIFY(UploadError::connectionFailed(u"a"_s).withMessage(u"b"_s)
+                == UploadError::connectionFailed(u"b"_s));
+        QVERIFY(UploadError::timeout().withMessage(u"b"_s) == UploadError::timeout());
+    }
+
     void equalityIsOfKindAndMessage()
     {
         QVERIFY(UploadError::uploadFailed(u"a"_s) == UploadError::uploadFailed(u"a"_s));
