@@ -8,6 +8,19 @@
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+/// text as one word of a command: in quotes if it holds anything that Tcl might read.
+QString asWord(const QString &text)
+{
+    const bool isPlain = std::ranges::all_of(text, [](QChar character) {
+        return character.isLetterOrNumber() || u"._-@:/%"_s.contains(character);
+    });
+    return isPlain ? text : u'"' + ExpectScript::escapeForExpect(text) + u'"';
+}
+
+} // namespace
+
 std::optional<QString> ExpectScript::findExpect(const QStringList &paths)
 {
     const auto found = std::find_if(paths.begin(), paths.end(),
@@ -26,9 +39,11 @@ QString ExpectScript::escapeForExpect(const QString &text)
     return escaped;
 }
 
-// Three lines of the script have reasons of their own:
+// Some lines of the script have reasons of their own:
 // - "-b" forbids ssh to ask for a password, and ssh keeps the first value that it is given, so the
 //   permission to ask stands before it.
+// - A key would be in the way: ssh would ask for its passphrase, or the server would end the login
+//   after too many of them.
 // - "--" keeps a password that begins with a dash from being taken for a flag of send.
 // - A sftp that was killed has the status 0 and the signal behind it as further elements.
 QString ExpectScript::text(const UploadSettings &settings, const QString &batchPath,
@@ -38,11 +53,12 @@ QString ExpectScript::text(const UploadSettings &settings, const QString &batchP
     const QStringList lines = {
         u"#!/usr/bin/expect -f"_s,
         u"set timeout "_s + QString::number(limits.passwordPrompt.count()),
-        u"spawn sftp -oBatchMode=no -b \""_s + batchPath + u"\" -oPort="_s
+        u"spawn sftp -oBatchMode=no -oPreferredAuthentications=keyboard-interactive,password"_s
+            + u" -b \""_s + escapeForExpect(batchPath) + u"\" -oPort="_s
             + QString::number(settings.port)
             + u" -oStrictHostKeyChecking=no -oUserKnownHostsFile=/dev/null -oConnectTimeout="_s
-            + QString::number(limits.sftpConnect.count()) + u' ' + settings.username + u'@'
-            + settings.hostname,
+            + QString::number(limits.sftpConnect.count()) + u' '
+            + asWord(settings.username + u'@' + settings.hostname),
         u"expect {"_s,
         u"    timeout {"_s,
         u"        puts \"Connection timed out\""_s,

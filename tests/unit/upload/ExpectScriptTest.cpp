@@ -41,7 +41,8 @@ private Q_SLOTS:
         const QString expected =
             u"#!/usr/bin/expect -f\n"
             "set timeout 60\n"
-            "spawn sftp -oBatchMode=no -b \"/t/b c.txt\" -oPort=2222 -oStrictHostKeyChecking=no "
+            "spawn sftp -oBatchMode=no -oPreferredAuthentications=keyboard-interactive,password "
+            "-b \"/t/b c.txt\" -oPort=2222 -oStrictHostKeyChecking=no "
             "-oUserKnownHostsFile=/dev/null -oConnectTimeout=30 me@my.host\n"
             "expect {\n"
             "    timeout {\n"
@@ -65,6 +66,43 @@ private Q_SLOTS:
             "if {[llength $result] > 4} { exit 1 }\n"
             "exit [lindex $result 3]"_s;
         QCOMPARE(ExpectScript::text(settings, u"/t/b c.txt"_s, u"-pa$s"_s, {}), expected);
+    }
+
+    void whatTclMightReadStandsInQuotes_data()
+    {
+        QTest::addColumn<QString>("user");
+        QTest::addColumn<QString>("host");
+        QTest::addColumn<QString>("destination");
+        const auto row = [](const char *name, const QString &user, const QString &host,
+                            const QString &destination) {
+            QTest::newRow(name) << user << host << destination;
+        };
+        row("plain", u"me.2_x-y%"_s, u"fe80::1/h.é"_s, u"me.2_x-y%@fe80::1/h.é"_s);
+        row("domain", u"DOM\\user"_s, u"h"_s, u"\"DOM\\\\user@h\""_s);
+        row("command", u"me"_s, u"h[exec touch x]"_s, u"\"me@h\\[exec touch x\\]\""_s);
+        row("variable", u"$env(HOME)"_s, u"h"_s, u"\"\\$env(HOME)@h\""_s);
+        row("second command", u"me"_s, u"h;exit"_s, u"\"me@h;exit\""_s);
+        row("quotation mark", u"m\"e"_s, u"h"_s, u"\"m\\\"e@h\""_s);
+        row("version 6", u"me"_s, u"[::1]"_s, u"\"me@\\[::1\\]\""_s);
+        row("expansion", u"{*}me"_s, u"h"_s, u"\"\\{*\\}me@h\""_s);
+    }
+    void whatTclMightReadStandsInQuotes()
+    {
+        QFETCH(QString, user);
+        QFETCH(QString, host);
+        QFETCH(QString, destination);
+        UploadSettings settings;
+        settings.hostname = host;
+        settings.username = user;
+        const QString script = ExpectScript::text(settings, u"/t/b"_s, u"pw"_s, {});
+        const QString spawn = script.section(u'\n', 2, 2);
+        QVERIFY2(spawn.endsWith(u" -oConnectTimeout=30 "_s + destination), qPrintable(spawn));
+    }
+
+    void batchPathIsNoCommandEither()
+    {
+        const QString script = ExpectScript::text({}, u"/t/[exec touch x]$a\"/b"_s, u"pw"_s, {});
+        QVERIFY(script.contains(u" -b \"/t/\\[exec touch x\\]\\$a\\\"/b\" "_s));
     }
 
     void findExpectTakesTheFirstThatExists()
@@ -202,7 +240,9 @@ private Q_SLOTS:
     {
         const ProcessOutcome outcome = runWith("printf '<%s>\\n' \"$@\"", u"abc"_s);
         QVERIFY2(outcome.standardOutput.contains(
-                     "<-oBatchMode=no>\r\n<-b>\r\n</t/b c.txt>\r\n<-oPort=22>\r\n"
+                     "<-oBatchMode=no>\r\n"
+                     "<-oPreferredAuthentications=keyboard-interactive,password>\r\n<-b>\r\n</t/b "
+                     "c.txt>\r\n<-oPort=22>\r\n"
                      "<-oStrictHostKeyChecking=no>\r\n<-oUserKnownHostsFile=/dev/null>\r\n"
                      "<-oConnectTimeout=30>\r\n<me@my.host>\r\n"),
                  outcome.standardOutput.constData());
