@@ -1,0 +1,121 @@
+#include "upload/UploadRefusal.h"
+
+#include "base/LoggedName.h"
+#include "base/Whitespace.h"
+#include "upload/CurlCommand.h"
+#include "upload/CurlHost.h"
+
+#include <QFile>
+
+#include <sys/stat.h>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// Something that becomes a part of a command, and how it is called to the user.
+struct Word {
+    QLatin1String what;
+    QString text;
+};
+
+UploadError refused(const Word &word, const QString &reason)
+{
+    return UploadError::uploadFailed(u"The "_s + word.what + u" '"_s + LoggedName::of(word.text)
+                                     + u"' "_s + reason);
+}
+
+bool holdsControlCharacter(const QString &text)
+{
+    return std::ranges::any_of(
+        text, [](QChar character) { return character.category() == QChar::Other_Control; });
+}
+
+/// A line feed begins a new command or a new entry; no tool needs any of the others.
+std::optional<UploadError> refusalOfWord(const Word &word)
+{
+    if (holdsControlCharacter(word.text))
+        return refused(word, u"holds a control character"_s);
+    return std::nullopt;
+}
+
+/// The tools read what begins with a hyphen as an option.
+std::optional<UploadError> refusalOfOption(const Word &word)
+{
+    if (word.text.startsWith(u'-'))
+        return refused(word, u"begins with a hyphen"_s);
+    return std::nullopt;
+}
+
+/// A name that leads elsewhere: to the folder, or to the folder above it.
+std::optional<UploadError> refusalOfRemoteName(const Word &name)
+{
+    if (name.text.isEmpty() || name.text == "."_L1 || name.text == ".."_L1)
+        return refused(name, u"is no name for a file"_s);
+    return std::nullopt;
+}
+
+/// In a batch of sftp's a quotation mark ends the name, and a backslash may mean the character
+/// after it: another file would be sent, or it would arrive under another name.
+std::optional<UploadError> refusalBySftp(const Word &file, const Word &remoteName)
+{
+    for (const Word &word : {file, remoteName}) {
+        if (word.text.contains(u'"'))
+            return refused(word, u"holds a quotation mark, which sftp cannot be told"_s);
+    }
+    if (file.text.contains(u'\\') || remoteName.text.contains("\\\\"_L1)
+        || remoteName.text.endsWith(u'\\')) {
+        return refused(file.text.contains(u'\\') ? file : remoteName,
+                       u"holds a backslash, which sftp cannot be told"_s);
+    }
+    return std::nullopt;
+}
+
+/// Curl would send what it can read of anything, and a folder as an empty file. What is not there
+/// is left to the tool, which says so.
+std::optional<UploadError> refusalOfFile(const Word &file)
+{
+    struct stat status = {};
+    if (::stat(QFile::encodeName(file.text).constData(), &status) != 0 || S_ISREG(status.st_mode))
+        return std::nullopt;
+    return refused(file, S_ISDIR(status.st_mode) ? u"is a folder"_s : u"is no regular file"_s);
+}
+
+std::optional<UploadError> refusalByCurl(const Word &host)
+{
+    if (!CurlHost::of(host.text))
+        return refused(host, u"is no valid host name"_s);
+    return std::nullopt;
+}
+
+} // namespace
+
+std::optional<UploadError> UploadRefusal::of(const UploadSettings &settings,
+                                             const QString &filePath, const QString &remoteFileName)
+{
+    const bool isSftp = settings.serverType == UploadSettings::ServerType::sftp;
+    const Word file{"file"_L1, filePath};
+    const Word remoteName{"remote file name"_L1, remoteFileName};
+    // As the tool of the route is told them: curl's are freed of the blanks around them.
+    const Word path{"remote path"_L1,
+                    isSftp ? settings.remotePath : trimmingWhitespace(settings.remotePath)};
+    const Word user{"username"_L1, settings.username};
+    const Word host{"hostname"_L1,
+                    isSftp ? settings.hostname : CurlCommand::cleanHost(settings.hostname)};
+
+    for (const Word &word : {file, remoteName, path, user, host}) {
+        if (auto refusal = refusalOfWord(word))
+            return refusal;
+    }
+    for (const Word &word : {user, host}) {
+        if (auto refusal = refusalOfOption(word))
+            return refusal;
+    }
+    if (auto refusal = refusalOfRemoteName(remoteName))
+        return refusal;
+    if (auto refusal = isSftp ? refusalBySftp(file, remoteName) : refusalByCurl(host))
+        return refusal;
+    return refusalOfFile(file);
+}
