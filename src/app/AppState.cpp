@@ -49,6 +49,7 @@ void AppState::setSettings(const UploadSettings &settings)
 {
     Q_EMIT objectWillChange();
     m_settings = settings;
+    m_uploadService.forgetServers(); // They may have been set up anew, too.
 }
 
 void AppState::setLastUploadStatus(const QString &status)

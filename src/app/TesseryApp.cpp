@@ -52,7 +52,9 @@ TesseryApp::~TesseryApp()
 
 UploadService::Environment TesseryApp::environment() const
 {
-    return {.homeFolder = m_platform.folders->home(), .temporaryFolder = m_temporaryFolder.path()};
+    return {.homeFolder = m_platform.folders->home(),
+            .temporaryFolder = m_temporaryFolder.path(),
+            .learned = m_learnedServers};
 }
 
 int TesseryApp::run()

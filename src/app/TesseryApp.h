@@ -48,6 +48,7 @@ private:
 
     Platform &m_platform;
     TemporaryFolder m_temporaryFolder;
+    std::shared_ptr<LearnedServers> m_learnedServers = std::make_shared<LearnedServers>();
     AppState m_appState;
     MenuBarView m_menuBarView;
     std::unique_ptr<SettingsView> m_settingsView;

@@ -1,16 +1,12 @@
 #pragma once
 
-#include "base/ChildProcess.h"
 #include "settings/UploadSettings.h"
-#include "upload/UploadError.h"
 #include "upload/UploadLimits.h"
 
 #include <QString>
 #include <QStringList>
 
-#include <optional>
-
-/// The decisions of an upload through curl: what it is told, and what its end means.
+/// The decisions of an upload through curl: what it is told.
 namespace CurlCommand {
 
 /// The host in what the user typed as one: without blanks around it, and without the rest of a web
@@ -23,11 +19,15 @@ QString remoteDirectory(const QString &remotePath);
 /// text with all but the characters of a URL's path encoded as %XX.
 QString percentEncoded(const QString &text);
 
-/// Where the file goes.
-QString url(const UploadSettings &settings, const QString &remoteFileName);
+/// From when on an FTPS connection is encrypted.
+enum class TlsFrom {
+    FirstByte, ///< As port 990 expects it.
+    Command, ///< From the command AUTH on, as port 21 does.
+};
 
-/// The text of the credentials file. host is a cleaned one.
-QString netrcContents(const QString &host, const QString &username, const QString &password);
+/// Where the file goes. host is as curl wants it in a URL.
+QString url(const UploadSettings &settings, const QString &host, const QString &remoteFileName,
+            TlsFrom tlsFrom);
 
 /// A local path as the value of "-T", in which curl would expand brackets and braces.
 QString escapedForGlobbing(const QString &path);
@@ -38,22 +38,5 @@ QStringList arguments(const UploadSettings &settings, const QString &filePath,
 
 /// The arguments as one line for the log, without the place of the credentials file.
 QString shownArguments(const QStringList &arguments);
-
-/// Curl's verbose output without the password, which it repeats when it sends it.
-QString withoutPassword(const QString &output);
-
-/// What an ended curl wrote, as text: empty where it is not UTF-8, and without the password.
-struct Output {
-    QString standardOutput;
-    QString standardError;
-
-    /// Both, one after the other.
-    QString combined() const;
-};
-Output output(const ProcessOutcome &outcome);
-
-/// Why the upload failed; absent when it succeeded. status is curl's exit code, or the number of
-/// the signal that ended it. host is the cleaned one.
-std::optional<UploadError> verdict(const Output &output, int status, const QString &host);
 
 } // namespace CurlCommand

@@ -3,10 +3,12 @@
 #include "base/Log.h"
 #include "base/SystemError.h"
 #include "settings/KeychainHelper.h"
-#include "upload/CurlCommand.h"
+#include "upload/CurlHost.h"
 #include "upload/ExpectScript.h"
+#include "upload/Netrc.h"
 #include "upload/SftpCommand.h"
 #include "upload/UploadError.h"
+#include "upload/UploadRefusal.h"
 
 #include <QFileInfo>
 #include <QUuid>
@@ -24,11 +26,6 @@ QString localPathOf(const QUrl &fileURL)
     return fileURL.isLocalFile() ? fileURL.toLocalFile() : fileURL.toString(QUrl::FullyEncoded);
 }
 
-QString storedPassword()
-{
-    return KeychainHelper::loadPassword().value_or(QString());
-}
-
 void throwIf(const std::optional<UploadError> &error)
 {
     if (error)
@@ -43,81 +40,130 @@ UploadService::UploadService(Environment environment) : m_environment(std::move(
 
 QCoro::Task<> UploadService::upload(QUrl fileURL, UploadSettings settings, QString remoteFileName)
 {
-    switch (settings.serverType) {
-    case UploadSettings::ServerType::sftp:
-        co_await uploadSFTP(fileURL, settings, remoteFileName);
-        break;
-    case UploadSettings::ServerType::ftp:
-    case UploadSettings::ServerType::ftps:
-        co_await uploadFTPWithCurl(fileURL, settings, remoteFileName);
-        break;
+    const QString filePath = localPathOf(fileURL);
+    throwIf(UploadRefusal::of(settings, filePath, remoteFileName));
+    const QString password = KeychainHelper::loadPassword().value_or(QString());
+    const Upload upload{.filePath = filePath,
+                        .remoteFileName = remoteFileName,
+                        .settings = settings,
+                        .password = password,
+                        .mask = SecretMask(settings.username, password)};
+    std::optional<UploadError> failure;
+    try {
+        switch (settings.serverType) {
+        case UploadSettings::ServerType::sftp:
+            co_await uploadSFTP(upload);
+            break;
+        case UploadSettings::ServerType::ftp:
+        case UploadSettings::ServerType::ftps:
+            co_await uploadFTPWithCurl(upload);
+            break;
+        }
+    } catch (const UploadError &error) {
+        failure = upload.mask.masked(error);
     }
+    throwIf(failure);
 }
 
-QCoro::Task<> UploadService::uploadFTPWithCurl(QUrl fileURL, UploadSettings settings,
-                                               QString remoteFileName)
+QCoro::Task<> UploadService::uploadFTPWithCurl(Upload upload)
 {
-    const QString host = CurlCommand::cleanHost(settings.hostname);
-    const auto netrc = createNetrcFile(host, settings.username, storedPassword());
-    const QStringList arguments =
-        CurlCommand::arguments(settings, localPathOf(fileURL), netrc->path(),
-                               CurlCommand::url(settings, remoteFileName), m_environment.limits);
+    using CurlCommand::TlsFrom;
+    const UploadSettings &settings = upload.settings;
+    const bool isKnown = m_environment.learned->wantsAuthTls(settings);
+    CurlReport report = co_await runCurl(upload, isKnown ? TlsFrom::Command : TlsFrom::FirstByte);
+    if (isKnown && !report.hasServerSpoken()) {
+        m_environment.learned->setWantsAuthTls(settings, false); // The next upload learns it anew.
+    } else if (settings.serverType == UploadSettings::ServerType::ftps && !isKnown
+               && report.isServerInClearText()) {
+        Log::line(u"⚠️ The server begins in clear text, asking it for TLS"_s);
+        report = co_await runCurl(upload, TlsFrom::Command);
+        m_environment.learned->setWantsAuthTls(settings, report.hasServerSpoken());
+    }
+
+    const auto failure =
+        report.failure(CurlCommand::cleanHost(settings.hostname), settings.username);
+    if (!failure)
+        co_return;
+    if (report.isExitCodeZero()) {
+        Log::line(u"⚠️ curl ended without an error, but its report says '"_s
+                  + upload.mask.masked(failure->words) + u"', which counts as a failure"_s);
+    }
+    throw UploadError(failure->error);
+}
+
+QCoro::Task<CurlReport> UploadService::runCurl(Upload upload, CurlCommand::TlsFrom tlsFrom)
+{
+    const UploadSettings &settings = upload.settings;
+    // A host that curl cannot be told has been refused before.
+    const CurlHost host = CurlHost::of(CurlCommand::cleanHost(settings.hostname)).value();
+    const auto netrc = createNetrcFile(host.inNetrc, settings.username, upload.password);
+    const QStringList arguments = CurlCommand::arguments(
+        settings, upload.filePath, netrc->path(),
+        CurlCommand::url(settings, host.inUrl, upload.remoteFileName, tlsFrom),
+        m_environment.limits);
     Log::line(u"🔍 Executing: "_s + m_environment.curl + u' '
-              + CurlCommand::shownArguments(arguments));
+              + upload.mask.masked(CurlCommand::shownArguments(arguments)));
 
     const ProcessCommand command = {m_environment.curl, arguments,
                                     m_environment.limits.curlProcess};
     const ProcessOutcome outcome = co_await run(command);
-
-    const CurlCommand::Output output = CurlCommand::output(outcome);
-    Log::line(u"📋 Full curl output:\n"_s + output.combined());
-    throwIf(CurlCommand::verdict(output, outcome.status, host));
+    const CurlReport report(outcome);
+    Log::line(u"📋 Full curl output:\n"_s + upload.mask.masked(report.text()));
+    co_return report;
 }
 
-QCoro::Task<> UploadService::uploadSFTP(QUrl fileURL, UploadSettings settings,
-                                        QString remoteFileName)
+QCoro::Task<> UploadService::uploadSFTP(Upload upload)
 {
-    if (QFileInfo::exists(m_environment.homeFolder + u"/.ssh"_s)) {
+    const bool hasKeys = QFileInfo::exists(m_environment.homeFolder + u"/.ssh"_s);
+    if (hasKeys && !m_environment.learned->wantsPassword(upload.settings)) {
         QString failure;
         try {
-            co_await uploadSFTPWithKeys(fileURL, settings, remoteFileName);
+            co_await uploadSFTPWithKeys(upload);
             co_return;
         } catch (const std::exception &error) {
             if (m_environment.stop.stop_requested())
                 throw; // Nothing new is begun while the program quits.
             failure = QString::fromUtf8(error.what());
         }
-        Log::line(u"SSH key auth failed, trying password: "_s + failure);
+        Log::line(u"SSH key auth failed, trying password: "_s + upload.mask.masked(failure));
     }
-    co_await uploadSFTPWithPassword(fileURL, settings, remoteFileName);
+    co_await uploadSFTPWithPassword(upload);
 }
 
-QCoro::Task<> UploadService::uploadSFTPWithKeys(QUrl fileURL, UploadSettings settings,
-                                                QString remoteFileName)
+QCoro::Task<> UploadService::uploadSFTPWithKeys(Upload upload)
 {
-    const auto batch = createBatchFile(fileURL, settings, remoteFileName);
+    const auto batch = createBatchFile(upload);
     const ProcessCommand command = {
-        m_environment.sftp, SftpCommand::arguments(settings, batch->path(), m_environment.limits),
+        m_environment.sftp,
+        SftpCommand::arguments(upload.settings, batch->path(), m_environment.limits),
         m_environment.limits.keysProcess};
     const ProcessOutcome outcome = co_await run(command);
+    if (SftpCommand::areKeysRefused(outcome))
+        m_environment.learned->noteKeysRefused(upload.settings);
     throwIf(SftpCommand::verdict(outcome));
 }
 
-QCoro::Task<> UploadService::uploadSFTPWithPassword(QUrl fileURL, UploadSettings settings,
-                                                    QString remoteFileName)
+QCoro::Task<> UploadService::uploadSFTPWithPassword(Upload upload)
 {
-    const auto batch = createBatchFile(fileURL, settings, remoteFileName);
+    const auto batch = createBatchFile(upload);
     if (!findExpect()) {
         throw UploadError::uploadFailed(u"expect is not installed. Install it with 'brew install "
                                         "expect' or use SSH key authentication"_s);
     }
     const QString text =
-        ExpectScript::text(settings, batch->path(), storedPassword(), m_environment.limits);
+        ExpectScript::text(upload.settings, batch->path(), upload.password, m_environment.limits);
     const TemporaryFile script(freshPath("sftp_expect_"_L1, ".sh"_L1), text.toUtf8(),
                                TemporaryFile::Mode::ReadWriteExecute);
-    const ProcessCommand command = {script.path(), {}, m_environment.limits.passwordProcess};
+    ProcessCommand command = {script.path(), {}, m_environment.limits.passwordProcess};
+    // A dialog would take the place of the prompt that expect waits for.
+    command.variables = {u"SSH_ASKPASS_REQUIRE=never"_s};
     const ProcessOutcome outcome = co_await run(command);
-    throwIf(ExpectScript::verdict(outcome));
+    const std::optional<UploadError> failure = ExpectScript::verdict(outcome);
+    if (!failure)
+        m_environment.learned->notePasswordTaken(upload.settings);
+    else if (failure->kind() == UploadError::Kind::authenticationFailed)
+        m_environment.learned->notePasswordRefused(upload.settings);
+    throwIf(failure);
 }
 
 QCoro::Task<ProcessOutcome> UploadService::run(ProcessCommand command)
@@ -141,18 +187,17 @@ std::unique_ptr<TemporaryFile> UploadService::createNetrcFile(const QString &hos
                                                               const QString &username,
                                                               const QString &password) const
 {
-    return std::make_unique<TemporaryFile>(
-        freshPath(".netrc_"_L1, ""_L1),
-        CurlCommand::netrcContents(hostname, username, password).toUtf8());
+    throwIf(Netrc::refusal(username, password));
+    return std::make_unique<TemporaryFile>(freshPath(".netrc_"_L1, ""_L1),
+                                           Netrc::contents(hostname, username, password).toUtf8());
 }
 
-std::unique_ptr<TemporaryFile> UploadService::createBatchFile(const QUrl &fileURL,
-                                                              const UploadSettings &settings,
-                                                              const QString &remoteFileName) const
+std::unique_ptr<TemporaryFile> UploadService::createBatchFile(const Upload &upload) const
 {
     return std::make_unique<TemporaryFile>(
         freshPath("sftp_batch_"_L1, ".txt"_L1),
-        SftpCommand::batchText(settings.remotePath, localPathOf(fileURL), remoteFileName).toUtf8());
+        SftpCommand::batchText(upload.settings.remotePath, upload.filePath, upload.remoteFileName)
+            .toUtf8());
 }
 
 std::optional<QString> UploadService::findExpect() const

@@ -3,6 +3,10 @@
 #include "base/ChildProcess.h"
 #include "base/TemporaryFile.h"
 #include "settings/UploadSettings.h"
+#include "upload/CurlCommand.h"
+#include "upload/CurlReport.h"
+#include "upload/LearnedServers.h"
+#include "upload/SecretMask.h"
 #include "upload/UploadLimits.h"
 
 #include <QCoro/QCoroTask>
@@ -30,33 +34,43 @@ public:
                               QStringLiteral("/opt/homebrew/bin/expect"),
                               QStringLiteral("/usr/local/bin/expect")};
         UploadLimits limits = {};
+        /// Shared by all services that work with the same servers.
+        std::shared_ptr<LearnedServers> learned = std::make_shared<LearnedServers>();
     };
 
     explicit UploadService(Environment environment);
 
-    /// Returns when the file is on the server under remoteFileName. Throws UploadError, or
-    /// SystemError when a temporary file cannot be written or a tool not be started.
+    /// Returns when the file is on the server under remoteFileName. The password is read at once
+    /// and serves to the end. Throws UploadError, with no password in its text, or SystemError when
+    /// a temporary file cannot be written or a tool not be started.
     [[nodiscard]] QCoro::Task<> upload(QUrl fileURL, UploadSettings settings,
                                        QString remoteFileName);
 
+    /// Forgets what earlier uploads have learned about their servers.
+    void forgetServers() { m_environment.learned->forgetAll(); }
+
 private:
-    [[nodiscard]] QCoro::Task<> uploadFTPWithCurl(QUrl fileURL, UploadSettings settings,
-                                                  QString remoteFileName);
-    [[nodiscard]] QCoro::Task<> uploadSFTP(QUrl fileURL, UploadSettings settings,
-                                           QString remoteFileName);
-    [[nodiscard]] QCoro::Task<> uploadSFTPWithKeys(QUrl fileURL, UploadSettings settings,
-                                                   QString remoteFileName);
-    [[nodiscard]] QCoro::Task<> uploadSFTPWithPassword(QUrl fileURL, UploadSettings settings,
-                                                       QString remoteFileName);
+    /// All that one upload works with, from its start to its end.
+    struct Upload {
+        QString filePath;
+        QString remoteFileName;
+        UploadSettings settings;
+        QString password;
+        SecretMask mask; ///< For all that is logged or shown of it.
+    };
+
+    [[nodiscard]] QCoro::Task<> uploadFTPWithCurl(Upload upload);
+    [[nodiscard]] QCoro::Task<CurlReport> runCurl(Upload upload, CurlCommand::TlsFrom tlsFrom);
+    [[nodiscard]] QCoro::Task<> uploadSFTP(Upload upload);
+    [[nodiscard]] QCoro::Task<> uploadSFTPWithKeys(Upload upload);
+    [[nodiscard]] QCoro::Task<> uploadSFTPWithPassword(Upload upload);
 
     /// Runs a tool. Throws when it did not end by itself.
     [[nodiscard]] QCoro::Task<ProcessOutcome> run(ProcessCommand command);
 
     std::unique_ptr<TemporaryFile> createNetrcFile(const QString &hostname, const QString &username,
                                                    const QString &password) const;
-    std::unique_ptr<TemporaryFile> createBatchFile(const QUrl &fileURL,
-                                                   const UploadSettings &settings,
-                                                   const QString &remoteFileName) const;
+    std::unique_ptr<TemporaryFile> createBatchFile(const Upload &upload) const;
     std::optional<QString> findExpect() const;
 
     /// A new file of that kind's path in the temporary folder.

@@ -53,6 +53,7 @@ protected:
     {
         UploadService::Environment environment{.homeFolder = m_folder->path(),
                                                .temporaryFolder = m_folder->filePath(u"tmp"_s)};
+        m_learned = environment.learned;
         environment.curl = m_folder->filePath(u"curl"_s);
         m_state =
             std::make_unique<AppState>(*m_platform, environment, m_clock, SecureRandom::system());
@@ -71,5 +72,6 @@ protected:
     std::unique_ptr<QTemporaryDir> m_folder;
     std::unique_ptr<FakePlatform> m_platform;
     FixedClock m_clock;
+    std::shared_ptr<LearnedServers> m_learned; ///< That of m_state.
     std::unique_ptr<AppState> m_state;
 };

@@ -301,6 +301,31 @@ private Q_SLOTS:
         QTRY_COMPARE(m_state->lastUploadStatus(), u"✅ Uploaded: "_s + kShot);
     }
 
+    void settingsSavedInMidUploadDoNotChangeItsAddress()
+    {
+        curlDoes("while ! test -e \"$(dirname \"$0\")/go\"; do /usr/bin/sleep 0.02; done");
+        makeState(validSettings());
+        m_state->startMonitoring();
+        screenshotAppears(kShot);
+        QTRY_COMPARE(m_state->lastUploadStatus(), u"📤 Uploading "_s + kShot + u"..."_s);
+        UploadSettings others = validSettings();
+        others.publicURLBase = u"https://y.org/elsewhere"_s;
+        m_state->setSettings(others);
+        QVERIFY(QFile(m_folder->filePath(u"go"_s)).open(QIODevice::WriteOnly));
+        QTRY_COMPARE(m_state->lastUploadStatus(), u"✅ Uploaded: "_s + kShot);
+        QCOMPARE(m_platform->fakePasteboard->text, u"https://x.org/shots/"_s + kShot);
+    }
+
+    void savedSettingsMakeWhatWasLearnedOfServersForgotten()
+    {
+        UploadSettings settings = validSettings();
+        settings.serverType = UploadSettings::ServerType::ftps;
+        makeState(settings);
+        m_learned->setWantsAuthTls(settings, true);
+        m_state->setSettings(settings);
+        QVERIFY(!m_learned->wantsAuthTls(settings));
+    }
+
     void twoScreenshotsAtOnceAreTwoUploads()
     {
         makeState(validSettings());

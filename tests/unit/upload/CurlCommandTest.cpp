@@ -4,6 +4,7 @@
 using namespace Qt::StringLiterals;
 using ServerType = UploadSettings::ServerType;
 using TLSVersion = UploadSettings::TLSVersion;
+using CurlCommand::TlsFrom;
 
 class CurlCommandTest : public QObject {
     Q_OBJECT
@@ -102,6 +103,12 @@ private Q_SLOTS:
                                    << u"ftps://myserver:21/a%20b/%C3%BC/%23%3F&.png"_s;
         QTest::newRow("slash in the name")
             << ServerType::ftp << u"/"_s << u"a/b"_s << u"ftp://myserver:21/a/b"_s;
+        QTest::newRow("no kind of transfer in the name")
+            << ServerType::ftp << u"/"_s << u"a;type=i;b"_s
+            << u"ftp://myserver:21/a%3Btype=i%3Bb"_s;
+        QTest::newRow("no kind of transfer in the path")
+            << ServerType::ftp << u"/a;b;type=d/"_s << u"c"_s
+            << u"ftp://myserver:21/a;b%3Btype=d/c"_s;
     }
     void url()
     {
@@ -110,29 +117,29 @@ private Q_SLOTS:
         QFETCH(QString, name);
         UploadSettings settings;
         settings.serverType = type;
-        settings.hostname = u" ftp://myserver/ "_s;
         settings.port = 21;
         settings.remotePath = path;
-        QTEST(CurlCommand::url(settings, name), "url");
+        QTEST(CurlCommand::url(settings, u"myserver"_s, name, TlsFrom::FirstByte), "url");
+    }
+
+    void tlsByCommandBeginsLikePlainFtp()
+    {
+        UploadSettings settings;
+        settings.serverType = ServerType::ftps;
+        settings.port = 21;
+        QCOMPARE(CurlCommand::url(settings, u"[::1]"_s, u"a"_s, TlsFrom::Command),
+                 u"ftp://[::1]:21/a"_s);
     }
 
     void portIsPlainDecimal()
     {
         UploadSettings settings;
         settings.serverType = ServerType::ftp;
-        settings.hostname = u"h"_s;
         settings.port = 1234567;
-        QCOMPARE(CurlCommand::url(settings, u"a"_s), u"ftp://h:1234567/a"_s);
+        QCOMPARE(CurlCommand::url(settings, u"h"_s, u"a"_s, TlsFrom::FirstByte),
+                 u"ftp://h:1234567/a"_s);
         settings.port = -1;
-        QCOMPARE(CurlCommand::url(settings, u"a"_s), u"ftp://h:-1/a"_s);
-    }
-
-    void netrcContents()
-    {
-        QCOMPARE(CurlCommand::netrcContents(u"h"_s, u"me"_s, u"pa\\ss \"#é"_s),
-                 u"machine h\nlogin me\npassword pa\\ss \"#é"_s);
-        QCOMPARE(CurlCommand::netrcContents(u"h"_s, u"me"_s, QString()),
-                 u"machine h\nlogin me\npassword "_s);
+        QCOMPARE(CurlCommand::url(settings, u"h"_s, u"a"_s, TlsFrom::FirstByte), u"ftp://h:-1/a"_s);
     }
 
     void bracketsAndBracesAreEscapedForGlobbing_data()
@@ -219,43 +226,6 @@ private Q_SLOTS:
     void shownArgumentsHideWhateverNamesTheCredentialsFile()
     {
         QCOMPARE(CurlCommand::shownArguments({u"/t/a netrc b"_s}), u"[netrc-file]"_s);
-    }
-
-    void passwordIsHidden_data()
-    {
-        QTest::addColumn<QString>("output");
-        QTest::addColumn<QString>("hidden");
-        const auto row = [](const char *name, const QString &output, const QString &hidden) {
-            QTest::newRow(name) << output << hidden;
-        };
-        row("none", u"* Connected\n"_s, u"* Connected\n"_s);
-        row("line feed", u"> USER me\n> PASS secret\n< 230 ok\n"_s,
-            u"> USER me\n> PASS ********\n< 230 ok\n"_s);
-        row("carriage return and line feed", u"> USER me\r\n> PASS secret\r\n< 230 ok\r\n"_s,
-            u"> USER me\r\n> PASS ********\r\n< 230 ok\r\n"_s);
-        row("cut off", u"> PASS secr"_s, u"> PASS ********"_s);
-        row("cut off at the carriage return", u"> PASS secret\r"_s, u"> PASS ********\r"_s);
-        row("empty", u"> PASS \r\n< 530\r\n"_s, u"> PASS ********\r\n< 530\r\n"_s);
-        row("empty without blank", u"> PASS\r\n< 530\r\n"_s, u"> PASS ********\r\n< 530\r\n"_s);
-        row("blanks inside and around", u"> PASS  a b \r\n"_s, u"> PASS ********\r\n"_s);
-        row("carriage return inside", u"> PASS a\rb\r\n"_s, u"> PASS ********\r\n"_s);
-        row("weird characters", u"> PASS $1\\0&\"'<>😀\u2028x\r\n"_s, u"> PASS ********\r\n"_s);
-        row("words of the verdict", u"> PASS 530 timed out error\n"_s, u"> PASS ********\n"_s);
-        row("the marker itself", u"> PASS > PASS x\n"_s, u"> PASS ********\n"_s);
-        row("several", u"> PASS a\r\n< 530\r\n> PASS b\r\n"_s,
-            u"> PASS ********\r\n< 530\r\n> PASS ********\r\n"_s);
-        row("behind the progress meter", u"\r  0  300k    0  0:00:01 --:--:--     0> PASS a\r\n"_s,
-            u"\r  0  300k    0  0:00:01 --:--:--     0> PASS ********\r\n"_s);
-        row("other command", u"> PASV\r\n> PASSIVE x\r\n"_s, u"> PASV\r\n> PASSIVE x\r\n"_s);
-        row("to an HTTP proxy",
-            u"> PUT ftp://x/a HTTP/1.1\r\n> Authorization: Basic bWU6c2VjcmV0\r\n"_s,
-            u"> PUT ftp://x/a HTTP/1.1\r\n> Authorization: Basic ********\r\n"_s);
-        row("answer", u"< 331 PASS please\r\n"_s, u"< 331 PASS please\r\n"_s);
-    }
-    void passwordIsHidden()
-    {
-        QFETCH(QString, output);
-        QTEST(CurlCommand::withoutPassword(output), "hidden");
     }
 };
 

@@ -3,6 +3,7 @@
 #include "support/TestMain.h"
 
 #include <QRegularExpression>
+#include <QTimer>
 
 using namespace Qt::StringLiterals;
 using ServerType = UploadSettings::ServerType;
@@ -104,6 +105,117 @@ private Q_SLOTS:
                  u"Upload failed: FTP upload failed (exit code 9):\n* nothing"_s);
     }
 
+    void failureInSpiteOfExitCodeZeroIsExplainedInTheLog()
+    {
+        m_tools->makeTool(u"curl"_s, "echo '* We sent 530 bytes' >&2");
+        const CapturedOutput output;
+        QCOMPARE(m_tools->upload(ServerType::ftp), u"Authentication failed"_s);
+        QCOMPARE(output.lines().last(),
+                 u"⚠️ curl ended without an error, but its report says '530', which counts as a "
+                 "failure"_s);
+    }
+
+    void failureWithAnExitCodeNeedsNoExplanation()
+    {
+        m_tools->makeTool(u"curl"_s, "echo '* 530' >&2; exit 67");
+        const CapturedOutput output;
+        QCOMPARE(m_tools->upload(ServerType::ftp), u"Authentication failed"_s);
+        QVERIFY(!output.bytes().contains("⚠️"));
+    }
+
+    void passwordIsNeitherLoggedNorShown_data()
+    {
+        QTest::addColumn<ServerType>("type");
+        QTest::newRow("curl") << ServerType::ftp;
+        QTest::newRow("sftp") << ServerType::sftp;
+    }
+    void passwordIsNeitherLoggedNorShown()
+    {
+        QFETCH(ServerType, type);
+        m_tools->makeKeysFolder();
+        const QByteArray words = "echo 'x://me:other@h sesame ses%61me bWU6c2VzYW1l' >&2; exit 9";
+        m_tools->makeTool(u"curl"_s, words);
+        m_tools->makeTool(u"sftp"_s, words);
+        m_tools->file = QUrl::fromLocalFile(u"/tmp/sesame.png"_s);
+        const CapturedOutput output;
+        const QString told = m_tools->upload(type);
+        const QString logged = QString::fromUtf8(output.bytes());
+        QVERIFY2(logged.contains(u"x://me:********@h ******** ses%61me ********"_s),
+                 qPrintable(logged));
+        for (const QString &text : {told, logged}) {
+            QVERIFY2(!text.contains(u"sesame"_s), qPrintable(text));
+            QVERIFY2(!text.contains(u"other"_s), qPrintable(text));
+            QVERIFY2(!text.contains(u"bWU6c2VzYW1l"_s), qPrintable(text));
+        }
+    }
+
+    void maskingDoesNotChangeTheVerdict()
+    {
+        m_tools->setPassword("226");
+        m_tools->makeTool(u"curl"_s, "echo '< 226 Connection refused' >&2");
+        const CapturedOutput output;
+        QCOMPARE(m_tools->upload(ServerType::ftp),
+                 u"Connection failed: Could not connect to server. Check hostname and port."_s);
+        m_tools->setPassword("Connection refused");
+        QCOMPARE(m_tools->upload(ServerType::ftp),
+                 u"Connection failed: Could not connect to server. Check hostname and port."_s);
+        QVERIFY(output.bytes().contains("< ******** Connection refused\n"));
+        QVERIFY(output.bytes().contains("< 226 ********\n"));
+    }
+
+    void whatIsRefusedStartsAndWritesNothing_data()
+    {
+        QTest::addColumn<ServerType>("type");
+        QTest::newRow("FTP") << ServerType::ftp;
+        QTest::newRow("FTPS") << ServerType::ftps;
+        QTest::newRow("SFTP") << ServerType::sftp;
+    }
+    void whatIsRefusedStartsAndWritesNothing()
+    {
+        QFETCH(ServerType, type);
+        m_tools->makeKeysFolder();
+        m_tools->makeTool(u"curl"_s, "echo > $SEEN/curl");
+        m_tools->makeTool(u"sftp"_s, "echo > $SEEN/sftp");
+        m_tools->file = QUrl::fromLocalFile(u"/tmp/Screenshot\"*\n!touch PWNED\nbye\n.png"_s);
+        const CapturedOutput output;
+        QCOMPARE(m_tools->upload(type),
+                 u"Upload failed: The file '/tmp/Screenshot\"*\\x0A!touch PWNED\\x0Abye\\x0A.png' "
+                 "holds a control character"_s);
+        QCOMPARE(m_tools->namesIn(u"seen"_s), QStringList());
+        QCOMPARE(output.lines(), QStringList());
+    }
+
+    void passwordOfTheStartServesToTheEnd()
+    {
+        m_tools->makeKeysFolder();
+        m_tools->makeTool(u"sftp"_s,
+                          "if [ $1 = -b ]; then touch $SEEN/begun; "
+                          "until [ -e $SEEN/go ]; do sleep 0.02; done; exit 1; fi; "
+                          "stty -echo; printf 'password: '; IFS= read -r line; "
+                          "printf '%s' \"$line\" > $SEEN/typed");
+        QTimer poll;
+        poll.callOnTimeout([this, &poll] {
+            if (!m_tools->namesIn(u"seen"_s).contains(u"begun"_s))
+                return;
+            poll.stop();
+            m_tools->setPassword("another");
+            QVERIFY(QFile(m_tools->path(u"seen/go"_s)).open(QIODevice::WriteOnly));
+        });
+        poll.start(std::chrono::milliseconds(10));
+        const CapturedOutput output;
+        QCOMPARE(m_tools->upload(ServerType::sftp), QString());
+        QCOMPARE(m_tools->seen(u"typed"_s), "sesame");
+    }
+
+    void noDialogTakesThePlaceOfThePrompt()
+    {
+        qputenv("SSH_ASKPASS_REQUIRE", "force");
+        m_tools->makeTool(u"sftp"_s, "printf '%s' \"$SSH_ASKPASS_REQUIRE\" > $SEEN/askpass");
+        QCOMPARE(m_tools->upload(ServerType::sftp), QString());
+        qunsetenv("SSH_ASKPASS_REQUIRE");
+        QCOMPARE(m_tools->seen(u"askpass"_s), "never");
+    }
+
     void withoutKeysFolderThePasswordIsUsedAtOnce()
     {
         m_tools->makeTool(u"sftp"_s, "printf '%s\\n' \"$@\" > $SEEN/arguments");
@@ -173,7 +285,7 @@ private Q_SLOTS:
         m_tools->setPassword("-$es{a}me\\\"");
         m_tools->makeTool(u"sftp"_s,
                           "stty -echo; printf 'password: '; IFS= read -r line; "
-                          "printf '%s' \"$line\" > $SEEN/typed; cat \"$3\" > $SEEN/batch; "
+                          "printf '%s' \"$line\" > $SEEN/typed; cat \"$4\" > $SEEN/batch; "
                           "stat -c '%a %n' $TMP_SEEN/* > $SEEN/files");
         QCOMPARE(m_tools->upload(ServerType::sftp), QString());
         QCOMPARE(m_tools->seen(u"typed"_s), "-$es{a}me\\\"");
