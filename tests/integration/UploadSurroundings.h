@@ -32,7 +32,9 @@ public:
         ::prctl(PR_SET_CHILD_SUBREAPER, 1, 0, 0, 0);
         for (const QString &name : {u"home"_s, u"tmp"_s, u"files"_s})
             QDir(m_folder.path()).mkdir(name);
-        leaveOutProgress();
+        // The digits 530 in the speed that curl's progress meter tells would read as a refused
+        // login.
+        configureCurl(QStringLiteral("no-progress-meter\n"), QFile::Truncate);
         environment.homeFolder = m_folder.filePath(u"home"_s);
         environment.temporaryFolder = m_folder.filePath(u"tmp"_s);
         m_childrenBefore = children();
@@ -51,6 +53,14 @@ public:
         settings.username = server.fact("user");
         settings.remotePath = server.fact("remotePath");
         setPassword(server.fact("password"));
+    }
+
+    /// What curl takes a host's name for: tried in this order, version 6 in brackets.
+    void nameAddresses(const QString &name, int port, const QStringList &addresses)
+    {
+        configureCurl(QStringLiteral("resolve = \"%1:%2:%3\"\n")
+                          .arg(name, QString::number(port), addresses.join(u',')),
+                      QFile::Append);
     }
 
     void setPassword(const QString &password)
@@ -130,11 +140,10 @@ public:
     UploadService::Environment environment;
 
 private:
-    /// The digits 530 in the speed that curl's progress meter tells would read as a refused login.
-    static void leaveOutProgress()
+    static void configureCurl(const QString &line, QFile::OpenModeFlag mode)
     {
         QFile settings(QDir::homePath() + QStringLiteral("/.curlrc"));
-        if (!settings.open(QIODevice::WriteOnly) || settings.write("no-progress-meter\n") < 0)
+        if (!settings.open(QIODevice::WriteOnly | mode) || settings.write(line.toUtf8()) < 0)
             qFatal("no settings for curl");
     }
 

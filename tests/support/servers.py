@@ -35,6 +35,7 @@ KINDS = {
     "silent": ("rig.sockets", "silent"),
     "closed": ("rig.sockets", "closed"),
     "cut": ("rig.sockets", "cut"),
+    "http-proxy": ("rig.http_proxy", "serve"),
 }
 JAILED = ("sshd", "proftpd-ftp", "proftpd-ftps", "proftpd-sftp")
 
@@ -89,6 +90,7 @@ def parse_arguments():
                                      formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("kind", nargs="?", choices=KINDS)
     parser.add_argument("--unpack", action="store_true", help="prepare the server packages")
+    parser.add_argument("--host", default=ports.HOST, help="FTP, FTPS: ::1 for IPv6")
     parser.add_argument("--user", default="tester")
     parser.add_argument("--password", default="test password")
     parser.add_argument("--no-password", action="store_true", help="SFTP: keys only")
@@ -99,6 +101,10 @@ def parse_arguments():
     parser.add_argument("--after", type=int, help="cut, pyftpdlib: hang up after so many bytes")
     parser.add_argument("--target", type=int, help="cut: the port of the server behind it")
     parser.add_argument("--reset", action="store_true", help="cut: hang up with a reset")
+    parser.add_argument("--explicit", action="store_true", help="proftpd-ftps: TLS by AUTH TLS")
+    parser.add_argument("--refused-epsv", action="store_true",
+                        help="pyftpdlib: the port that EPSV is told refuses, that of PASV does not")
+    parser.add_argument("--status", type=int, help="http-proxy: the answer to every request")
     options = parser.parse_args()
     if not options.kind and not options.unpack:
         parser.error("a kind or --unpack is needed")

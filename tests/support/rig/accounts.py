@@ -26,7 +26,7 @@ def make_certificate(folder):
     subprocess.run(
         ["openssl", "req", "-x509", "-newkey", "ec", "-pkeyopt", "ec_paramgen_curve:P-256",
          "-nodes", "-days", "2", "-subj", "/CN=localhost",
-         "-addext", "subjectAltName=DNS:localhost,IP:127.0.0.1",
+         "-addext", "subjectAltName=DNS:localhost,IP:127.0.0.1,IP:::1",
          "-keyout", key, "-out", certificate],
         check=True, capture_output=True)
     return certificate, key

@@ -10,12 +10,12 @@ class PortTaken(Exception):
     """Another process took the port between choosing and binding."""
 
 
-def start(place, command_for_port, log, ready, taken):
+def start(place, command_for_port, log, ready, taken, host=ports.HOST):
     """Runs `command_for_port(port)` in `place` until the log holds `ready`.
 
     When the log says `taken` instead, another port is chosen. Returns the port."""
     for _ in range(20):
-        port = ports.free_port()
+        port = ports.free_port(host)
         try:
             _start_on(place, command_for_port(port), log, ready, taken)
             return port

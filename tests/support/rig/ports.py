@@ -13,21 +13,21 @@ PASSIVE_PORTS = range(26000, 26500)
 assert not any(TRAP in str(port) for port in PASSIVE_PORTS)
 
 
-def bound_socket():
-    """A TCP socket bound to a free port of loopback, not listening yet."""
+def bound_socket(host=HOST):
+    """A TCP socket bound to a free port of a loopback address, not listening yet."""
     ports = random.sample(CONTROL_PORTS, 200)
     for port in ports:
-        sock = socket.socket()
+        sock = socket.socket(socket.AF_INET6 if ":" in host else socket.AF_INET)
         sock.setsockopt(socket.SOL_SOCKET, socket.SO_REUSEADDR, 1)
         try:
-            sock.bind((HOST, port))
+            sock.bind((host, port))
             return sock
         except OSError:
             sock.close()
     raise OSError(f"no free port among {len(ports)} tried")
 
 
-def free_port():
+def free_port(host=HOST):
     """A port that was free a moment ago: the server that takes it may still find it in use."""
-    with bound_socket() as sock:
+    with bound_socket(host) as sock:
         return sock.getsockname()[1]

@@ -1,4 +1,4 @@
-"""ProFTPD: FTP, FTPS with implicit TLS, and a second implementation of SFTP."""
+"""ProFTPD: FTP, FTPS with implicit or explicit TLS, and a second implementation of SFTP."""
 
 import contextlib
 import grp
@@ -15,7 +15,7 @@ User {account}
 Group {group}
 DefaultAddress {host}
 SocketBindTight on
-UseIPv6 off
+UseIPv6 {ipv6}
 UseReverseDNS off
 MaxInstances 100
 ModulePath {servers}/usr/lib/proftpd
@@ -47,7 +47,7 @@ _FTPS = """\
 TLSEngine on
 TLSRSACertificateFile {etc}/certificate.pem
 TLSRSACertificateKeyFile {etc}/certificate.key
-TLSOptions UseImplicitSSL NoSessionReuseRequired
+TLSOptions {implicit} NoSessionReuseRequired
 TLSRequired on
 TLSVerifyClient off
 """
@@ -72,16 +72,17 @@ def serve(base, options):
     def command(port):
         config = etc / "proftpd.conf"
         config.write_text(_CONFIG.format(
-            host=ports.HOST, port=port, account=account, group=group, servers=place.servers, etc=place.inside(etc),
+            host=options.host, port=port, ipv6="on" if ":" in options.host else "off",
+            account=account, group=group, servers=place.servers, etc=place.inside(etc),
             modules=_modules(),
             passive_first=ports.PASSIVE_PORTS[0], passive_last=ports.PASSIVE_PORTS[-1],
             transfer_rate=rate, protocol=protocol))
         return [f"{place.servers}/usr/sbin/proftpd", "-n", "-c", place.inside(config)]
 
     port = daemon.start(place, command, etc / "system.log", "standalone mode STARTUP",
-                        "Address already in use")
+                        "Address already in use", options.host)
     is_sftp = options.kind == "proftpd-sftp"
-    yield {"port": port, "user": options.user, "password": options.password,
+    yield {"host": options.host, "port": port, "user": options.user, "password": options.password,
            "root": place.root if place.jailed else None, "folder": place.folder,
            "remotePath": place.inside(place.folder) if is_sftp else "/",
            "log": etc / "system.log", **extra}
@@ -116,7 +117,9 @@ def _protocol(options, place, base):
     if options.kind == "proftpd-ftps":
         certificate, key = accounts.make_certificate(etc)
         key.chmod(0o600)
-        return _FTPS.format(etc=place.inside(etc)), {"certificate": certificate}
+        implicit = "" if options.explicit else "UseImplicitSSL"
+        protocol = _FTPS.format(etc=place.inside(etc), implicit=implicit)
+        return protocol, {"certificate": certificate}
     if options.kind == "proftpd-sftp":
         accounts.make_key(etc / "host_key")
         key = accounts.make_key(base / "key")

@@ -16,7 +16,7 @@ from rig import place as places, ports
 _NETWORK_SECONDS = 0.005
 
 
-def _handlers(options):
+def _handlers(options, log, unheard_port):
     """The handler classes of control and data connections."""
 
     class Data(DTPHandler):
@@ -40,9 +40,18 @@ def _handlers(options):
         auth_failed_timeout = 0
         log_prefix = ""
 
+        def pre_process_command(self, line, cmd, arg):
+            """Every command comes here first, also the unknown and the forbidden ones."""
+            with open(log, "a", encoding="utf-8") as file:
+                print(line, file=file)
+            return super().pre_process_command(line, cmd, arg)
+
         def ftp_EPSV(self, line):  # pylint: disable=invalid-name
             """When the answer is there at once, curl 7.88 first waits 200 ms for nothing."""
             time.sleep(_NETWORK_SECONDS)
+            if options.refused_epsv:
+                self.respond(f"229 Entering extended passive mode (|||{unheard_port}|).")
+                return None
             return super().ftp_EPSV(line)
 
     return Control
@@ -50,15 +59,21 @@ def _handlers(options):
 
 @contextlib.contextmanager
 def serve(base, options):
-    """Runs the server in a thread; with `options.after` it hangs up after so many bytes."""
+    """Runs the server in a thread; with `options.after` it hangs up after so many bytes.
+
+    It offers no encryption, and its log is what clients said. With `options.refused_epsv` it sends
+    those who ask by EPSV to a port on which nobody listens."""
     folder = base / "files"
     places.make_login_folder(folder)
     logging.basicConfig(level=logging.ERROR)
-    control = _handlers(options)
+    log = base / "log"
+    log.touch()
+    unheard = ports.bound_socket(options.host)
+    control = _handlers(options, log, unheard.getsockname()[1])
     control.authorizer = DummyAuthorizer()
     control.authorizer.add_user(options.user, options.password, str(folder), perm="elradfmwMT")
     loop = IOLoop()
-    server = FTPServer(ports.bound_socket(), control, ioloop=loop)
+    server = FTPServer(ports.bound_socket(options.host), control, ioloop=loop)
     stop = threading.Event()
 
     def run():
@@ -67,8 +82,10 @@ def serve(base, options):
 
     thread = threading.Thread(target=run, daemon=True)
     thread.start()
-    yield {"port": server.address[1], "user": options.user, "password": options.password,
-           "root": folder, "folder": folder, "remotePath": "/"}
+    yield {"host": options.host, "port": server.address[1], "user": options.user,
+           "password": options.password, "root": folder, "folder": folder, "remotePath": "/",
+           "log": log}
     stop.set()
     thread.join()
     server.close_all()
+    unheard.close()

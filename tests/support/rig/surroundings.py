@@ -16,7 +16,8 @@ class Surroundings:
         self.base = pathlib.Path(tempfile.mkdtemp(prefix="tessery-desktop-"))
         self.home = self._folder("home")
         # The digits 530 in the speed that curl's progress meter tells read as a refused login.
-        (self.home / ".curlrc").write_text("no-progress-meter\n")
+        self._curl_settings = self.home / ".curlrc"
+        self._curl_settings.write_text("no-progress-meter\n")
         self.runtime = self._folder("run")
         self.tmp = self._folder("tmp")
         self.desktop_folder = self._folder("home/Desktop")
@@ -50,6 +51,11 @@ class Surroundings:
     def program_environment(self):
         """The programs under test have a temporary folder of their own."""
         return {**self.environment, "TMPDIR": str(self.tmp)}
+
+    def name_addresses(self, name, port, *addresses):
+        """What curl takes a host's name for: tried in this order, version 6 in brackets."""
+        with open(self._curl_settings, "a", encoding="utf-8") as file:
+            print(f'resolve = "{name}:{port}:{",".join(addresses)}"', file=file)
 
     def _files(self):
         return {path for folder in (self.runtime, self.tmp) for path in folder.rglob("*")}
