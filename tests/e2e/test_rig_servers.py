@@ -5,6 +5,7 @@ import pathlib
 import subprocess
 import unittest
 
+from rig import processes
 from rig.surroundings import Surroundings
 from servers import Server
 
@@ -32,6 +33,15 @@ class ServersCase(unittest.TestCase):
     def curl(self, *arguments, **environment):
         """Uploads the picture with curl."""
         return self.run_tool("curl", "-v", "-T", self.picture, *arguments, **environment)
+
+    def sftp(self, server, *options, **environment):
+        """Uploads the picture with sftp, with no keys but those of the options."""
+        batch = self.folder / "batch"
+        batch.write_text(f'cd {server.remotePath}\nput "{self.picture}" "a.png"\nbye')
+        return self.run_tool(
+            "sftp", "-F", "none", "-oStrictHostKeyChecking=no", "-oUserKnownHostsFile=/dev/null",
+            "-oIdentitiesOnly=yes", *options, "-b", batch, f"-oPort={server.port}",
+            f"{server.user}@{server.host}", **environment)
 
     def assert_arrived(self, folder):
         """The picture is in the folder, and is taken away from there."""
@@ -128,6 +138,74 @@ class ProxyTest(ServersCase):
                 log = pathlib.Path(proxy.log).read_text()
                 self.assertIn("PUT ftp://", log)
                 self.assertIn("CONNECT files.example:990 ", log)
+
+
+class SftpTest(ServersCase):
+    """Servers that count refused logins, and keys that need more than being there."""
+
+    def login(self, server, *keys, password=None):
+        """Offers the keys, and then the password if there is one; gives the exit status."""
+        options = [f"-oIdentityFile={key}" for key in keys] or ["-oIdentityFile=none"]
+        if password is None:
+            return self.sftp(server, "-oBatchMode=yes", *options)
+        helper = self.folder / "askpass"
+        helper.write_text('#!/bin/sh\nprintf "%s\\n" "$PASSWORD"\n')
+        helper.chmod(0o700)
+        return self.sftp(server, "-oBatchMode=no", "-oNumberOfPasswordPrompts=1", *options,
+                         SSH_ASKPASS=str(helper), SSH_ASKPASS_REQUIRE="force", PASSWORD=password)
+
+    def test_refused_logins_keep_the_address_out(self):
+        with Server("asyncssh", no_keys=True, penalties=3) as server:
+            log = pathlib.Path(server.log)
+            for count in range(1, 4):
+                self.assertEqual(self.login(server, server.privateKey)[0], 255)
+                processes.wait_until(lambda: log.read_text().count("refused") == count, 5,
+                                     "the refusal in the log")
+            status, said = self.login(server, password=server.password)
+            self.assertEqual(status, 255)
+            self.assertNotIn("Permanently added", said)
+            self.assertEqual(log.read_text().split()[::2], ["refused"] * 3 + ["dropped"])
+
+    def test_refused_key_and_right_password_is_no_refused_login(self):
+        with Server("asyncssh", no_keys=True, penalties=2) as server:
+            for _ in range(4):
+                status, said = self.login(server, server.privateKey, password=server.password)
+                self.assertEqual(status, 0, said)
+                self.assert_arrived(server.folder)
+            self.assertEqual(self.login(server, server.privateKey, password="wrong")[0], 255)
+            log = pathlib.Path(server.log)
+            processes.wait_until(lambda: log.read_text().split()[::2] == ["accepted"] * 4
+                                 + ["refused"], 5, log.read_text)
+
+    def test_real_server_has_its_own_penalties_only_when_told(self):
+        for options in {"penalties": True}, {}:
+            with self.subTest(**options), Server("sshd", no_keys=True, **options) as server:
+                for _ in range(6):
+                    self.assertEqual(self.login(server, server.privateKey)[0], 255)
+                status, said = self.login(server, password=server.password)
+                self.assertEqual(status, 255 if server.hasPenalties else 0, said)
+                self.assertFalse(server.hasPenalties and not options)
+
+    def test_key_with_a_passphrase(self):
+        with Server("sshd", key_passphrase="a phrase") as server:
+            status, said = self.login(server, server.privateKey)
+            self.assertEqual(status, 255, said)
+            self.assertIn("\nAccepted key", "\n" + pathlib.Path(server.log).read_text())
+            status, said = self.login(server, server.privateKey, password="a phrase")
+            self.assertEqual(status, 0, said)
+            self.assert_arrived(server.folder)
+
+    def test_few_tries_and_many_keys(self):
+        with Server("sshd", max_auth_tries=3) as server:
+            others = [self.folder / f"key{number}" for number in range(3)]
+            for key in others:
+                self.run_tool("ssh-keygen", "-q", "-N", "", "-f", key)
+            status, said = self.login(server, *others, server.privateKey)
+            self.assertEqual(status, 255)
+            self.assertIn("Too many authentication failures", said)
+            status, said = self.login(server, *others[:2], server.privateKey)
+            self.assertEqual(status, 0, said)
+            self.assert_arrived(server.folder)
 
 
 if __name__ == "__main__":

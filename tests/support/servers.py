@@ -101,6 +101,10 @@ def parse_arguments():
     parser.add_argument("--after", type=int, help="cut, pyftpdlib: hang up after so many bytes")
     parser.add_argument("--target", type=int, help="cut: the port of the server behind it")
     parser.add_argument("--reset", action="store_true", help="cut: hang up with a reset")
+    parser.add_argument("--penalties", type=int, nargs="?", const=4,
+                        help="asyncssh: keeps out who was refused so often; sshd: its own defaults")
+    parser.add_argument("--key-passphrase", default="", help="sshd: protects the key that it knows")
+    parser.add_argument("--max-auth-tries", default="6", help="sshd's setting of that name")
     parser.add_argument("--explicit", action="store_true", help="proftpd-ftps: TLS by AUTH TLS")
     parser.add_argument("--refused-epsv", action="store_true",
                         help="pyftpdlib: the port that EPSV is told refuses, that of PASV does not")

@@ -13,9 +13,9 @@ def password_hash(password):
     return _crypt(password.encode(), b"$6$rounds=1000$tesserytests$").decode()
 
 
-def make_key(path, kind="ed25519"):
-    """An OpenSSH key pair without a passphrase: `path` and its public half with ".pub"."""
-    subprocess.run(["ssh-keygen", "-q", "-t", kind, "-N", "", "-C", "test", "-f", path],
+def make_key(path, kind="ed25519", passphrase=""):
+    """An OpenSSH key pair: `path` and its public half with ".pub"."""
+    subprocess.run(["ssh-keygen", "-q", "-t", kind, "-N", passphrase, "-C", "test", "-f", path],
                    check=True, stdin=subprocess.DEVNULL)
     return path
 

@@ -2,6 +2,7 @@
 
 import asyncio
 import contextlib
+import math
 import threading
 import warnings
 
@@ -9,25 +10,47 @@ with warnings.catch_warnings():
     warnings.simplefilter("ignore")
     import asyncssh
 
-from rig import accounts, place as places, ports
+from rig import accounts, penalties, place as places, ports
 
 
 class _Login(asyncssh.SSHServer):
-    def __init__(self, options, key):
+    def __init__(self, options, key, record):
         self._options = options
         self._key = key
+        self._record = record
+        self._address = None
+        self._is_refused = False
+
+    def connection_made(self, conn):
+        self._address = conn.get_extra_info("peername")[0]
+        if not self._record.admits(self._address):
+            # Before the server has said a word.
+            conn.abort()
+
+    def auth_completed(self):
+        self._is_refused = False
+        self._record.accepted(self._address)
+
+    def connection_lost(self, exc):
+        if self._is_refused:
+            self._record.refused(self._address)
+
+    def _noted(self, is_right):
+        self._is_refused = self._is_refused or not is_right
+        return is_right
 
     def _accepts(self, username, password):
-        return (username, password) == (self._options.user, self._options.password)
+        return self._noted((username, password) == (self._options.user, self._options.password))
 
     def begin_auth(self, username):
         return True
 
     def public_key_auth_supported(self):
-        return not self._options.no_keys
+        return True
 
     def validate_public_key(self, username, key):
-        return username == self._options.user and key == self._key
+        is_known = key == self._key and not self._options.no_keys
+        return self._noted(username == self._options.user and is_known)
 
     def password_auth_supported(self):
         return not self._options.no_password and not self._options.prompt
@@ -62,11 +85,11 @@ def _files(folder, rate):
     return Files
 
 
-async def _listen(options, folder, public_key):
+async def _listen(options, folder, public_key, record):
     """Listens on a port that has no trap in it and returns the port."""
     while True:
         acceptor = await asyncssh.listen(
-            ports.HOST, 0, server_factory=lambda: _Login(options, public_key),
+            ports.HOST, 0, server_factory=lambda: _Login(options, public_key, record),
             server_host_keys=[asyncssh.generate_private_key("ssh-ed25519")],
             sftp_factory=_files(folder, options.rate))
         port = acceptor.sockets[0].getsockname()[1]
@@ -77,7 +100,9 @@ async def _listen(options, folder, public_key):
 
 @contextlib.contextmanager
 def serve(base, options):
-    """Runs the server in a thread. With `options.prompt` it asks only in these words."""
+    """Runs the server in a thread. With `options.prompt` it asks only in these words.
+
+    With `options.penalties` it keeps out who was refused so often."""
     folder = base / "files"
     places.make_login_folder(folder)
     key = accounts.make_key(base / "key")
@@ -85,9 +110,11 @@ def serve(base, options):
     loop = asyncio.new_event_loop()
     thread = threading.Thread(target=loop.run_forever, daemon=True)
     thread.start()
-    listening = _listen(options, folder, public)
+    record = penalties.Penalties(options.penalties or math.inf, base / "log")
+    listening = _listen(options, folder, public, record)
     port = asyncio.run_coroutine_threadsafe(listening, loop).result()
     yield {"port": port, "user": options.user, "password": options.password,
-           "root": folder, "folder": folder, "remotePath": "/", "privateKey": key}
+           "root": folder, "folder": folder, "remotePath": "/", "privateKey": key,
+           "log": base / "log"}
     loop.call_soon_threadsafe(loop.stop)
     thread.join()

@@ -18,18 +18,24 @@ PermitRootLogin yes
 PermitEmptyPasswords yes
 PasswordAuthentication {passwords}
 KbdInteractiveAuthentication no
-MaxStartups {startups}
+MaxAuthTries {tries}
+{limits}
 LogLevel VERBOSE
 Subsystem sftp internal-sftp
 {parts}
 """
+# By penalties it remembers who was refused, from the version on that has this program.
+_HAS_PENALTIES = "usr/lib/openssh/sshd-session"
 # Programs of its own that newer versions start for each connection.
 _PARTS = {"SshdSessionPath": "sshd-session", "SshdAuthPath": "sshd-auth"}
 
 
 @contextlib.contextmanager
 def serve(base, options):
-    """Runs sshd. Without namespaces only keys work, for the account that runs the tests."""
+    """Runs sshd. Without namespaces only keys work, for the account that runs the tests.
+
+    Usually it lets everybody in at once and forgets who was refused; with `options.penalties` it
+    does what it does where nothing is set."""
     place = places.make(base)
     if not place.jailed and os.geteuid() == 0:
         raise RuntimeError("sshd as root needs user namespaces, which are forbidden here")
@@ -38,11 +44,11 @@ def serve(base, options):
     etc = place.root / "etc"
     _write_accounts(etc, user, options.password)
     accounts.make_key(etc / "host_key")
-    key = accounts.make_key(base / "key")
+    key = accounts.make_key(base / "key", passphrase=options.key_passphrase)
     (etc / "authorized_keys").write_text("" if options.no_keys else (base / "key.pub").read_text())
     (etc / "sshd_config").write_text(_CONFIG.format(
         host=ports.HOST, etc=place.inside(etc), passwords="yes" if passwords else "no",
-        startups=options.max_startups, parts=_parts(place.servers)))
+        tries=options.max_auth_tries, limits=_limits(options), parts=_parts(place.servers)))
 
     def command(port):
         return [f"{place.servers}/usr/sbin/sshd", "-D", "-e",
@@ -51,7 +57,20 @@ def serve(base, options):
     port = daemon.start(place, command, base / "log", "Server listening", "Cannot bind")
     yield {"port": port, "user": user, "password": options.password if passwords else None,
            "root": place.root if place.jailed else None, "folder": place.folder,
-           "remotePath": place.inside(place.folder), "privateKey": key, "log": base / "log"}
+           "remotePath": place.inside(place.folder), "privateKey": key, "log": base / "log",
+           "hasPenalties": options.penalties is not None and _knows_penalties()}
+
+
+def _knows_penalties():
+    return (packages.location() / _HAS_PENALTIES).exists()
+
+
+def _limits(options):
+    """The lines that lift the limits on who may connect, and how often."""
+    if options.penalties is not None:
+        return ""
+    lifted = "\nPerSourcePenalties no" if _knows_penalties() else ""
+    return f"MaxStartups {options.max_startups}{lifted}"
 
 
 def _parts(servers):
