@@ -4,7 +4,7 @@ import statistics
 import time
 
 from parts import arrival, subjects
-from rig import processes
+from rig import processes, settings_file
 from servers import Server
 
 TIMES = 15
@@ -16,8 +16,10 @@ _TRIGGERED = "📋 Upload clipboard triggered"
 
 def measure(build, table):
     """Single presses beside bare transfers, then the key held down."""
-    # The time in a file's name now and then holds the digits 530, a refused login by FTP.
-    names = {"filenameStyle": "Random String"}
+    # A name with digits in it now and then holds 530, a refused login by FTP.
+    names = {"filenameStyle": "Random String",
+             "randomFilenameConfig": {**settings_file.DEFAULTS["randomFilenameConfig"],
+                                      "useNumbers": False}}
     with (Server("pyftpdlib", password="secret") as server,
           subjects.desktop_for(server, **names) as desktop):
         program = desktop.start_program(subjects.tessery(build))
