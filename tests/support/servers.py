@@ -142,12 +142,19 @@ def complete(kind, facts):
             for name, value in facts.items()}
 
 
+def new_folder():
+    """A folder for a server; FTP servers that see the whole machine tell its name."""
+    while ports.TRAP in (name := tempfile.mkdtemp(prefix="tessery-server-")):
+        os.rmdir(name)
+    return pathlib.Path(name)
+
+
 @contextlib.contextmanager
 def running(options):
     """Runs the server; its folder and all processes are gone afterwards."""
     module, function = KINDS[options.kind]
     serve = getattr(importlib.import_module(module), function)
-    base = pathlib.Path(tempfile.mkdtemp(prefix="tessery-server-"))
+    base = new_folder()
     try:
         with serve(base, options) as facts:
             yield facts
