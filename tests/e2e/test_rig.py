@@ -2,6 +2,7 @@
 
 import os
 import pathlib
+import time
 import unittest
 import unittest.mock
 
@@ -68,6 +69,39 @@ class EndTest(unittest.TestCase):
                 self.assertEqual([pid for pid in below if processes.command_line(pid)], [])
                 if server.facts["root"]:
                     self.assertFalse(os.path.exists(server.root))
+
+
+class ClockTest(unittest.TestCase):
+    """The clock of the program under test, which may be set."""
+
+    TIME = 1530000000
+
+    def times(self, name, clock):
+        """What time it is for a program of this name, and for one that it runs."""
+        times = "import os, subprocess, time; print(int(time.time()), flush=True); " \
+                "print(subprocess.run(['date', '+%s'], capture_output=True, text=True).stdout)"
+        with (unittest.mock.patch.dict(os.environ, TESSERY_TEST_CLOCK=clock),
+              Desktop(tray=None, notifications=False, keyring=None) as desktop):
+            link = desktop.surroundings.base / name
+            link.symlink_to("/usr/bin/python3")
+            program = desktop.start_program(link, "-c", times)
+            self.assertEqual(program.wait(), 0)
+            return [int(line) for line in program.output.all if line]
+
+    def assert_about(self, seconds, wanted):
+        """Desktops take a while to start."""
+        self.assertLess(abs(seconds - wanted), 60)
+
+    def test_program_has_the_time_that_is_set(self):
+        own, of_its_tool = self.times("tessery", str(self.TIME))
+        self.assert_about(own, self.TIME)
+        self.assert_about(of_its_tool, time.time())
+
+    def test_others_have_the_time_that_it_is(self):
+        for name, clock in ("other", str(self.TIME)), ("tessery", ""):
+            with self.subTest(name):
+                for seconds in self.times(name, clock):
+                    self.assert_about(seconds, time.time())
 
 
 class WaylandTest(unittest.TestCase):

@@ -5,6 +5,8 @@ import pathlib
 import shutil
 import tempfile
 
+from rig import clock
+
 # What a desktop of the person who runs this would leak into ours.
 _KEPT = ("PATH", "ASAN_OPTIONS", "UBSAN_OPTIONS", "LSAN_OPTIONS")
 
@@ -24,6 +26,7 @@ class Surroundings:
         self.config = self._folder("home/.config")
         self._own_tmp = self._folder("desktop-tmp")
         self._noted = set()
+        self._clock = clock.environment()
         self.environment = self._environment()
 
     def _folder(self, name):
@@ -49,8 +52,8 @@ class Surroundings:
         }
 
     def program_environment(self):
-        """The programs under test have a temporary folder of their own."""
-        return {**self.environment, "TMPDIR": str(self.tmp)}
+        """The programs under test have a temporary folder of their own, and may have a clock."""
+        return {**self.environment, **self._clock, "TMPDIR": str(self.tmp)}
 
     def name_addresses(self, name, port, *addresses):
         """What curl takes a host's name for: tried in this order, version 6 in brackets."""
