@@ -55,6 +55,13 @@ public:
         setPassword(server.fact("password"));
     }
 
+    /// Whether loopback has the address ::1, which many containers are without.
+    static bool hasVersion6()
+    {
+        return contentsOf(QStringLiteral("/proc/net/if_inet6"))
+            .contains("00000000000000000000000000000001 ");
+    }
+
     /// What curl takes a host's name for: tried in this order, version 6 in brackets.
     void nameAddresses(const QString &name, int port, const QStringList &addresses)
     {

@@ -1,5 +1,6 @@
 """Ports on loopback for servers that cannot choose a free one by themselves."""
 
+import pathlib
 import random
 import socket
 
@@ -11,6 +12,15 @@ TRAP = "530"
 CONTROL_PORTS = [port for port in range(10240, 20000) if TRAP not in str(port)]
 PASSIVE_PORTS = range(26000, 26500)
 assert not any(TRAP in str(port) for port in PASSIVE_PORTS)
+
+
+def has_version_6():
+    """Whether loopback has the address ::1, which many containers are without."""
+    try:
+        addresses = pathlib.Path("/proc/net/if_inet6").read_text(encoding="ascii").split()
+    except FileNotFoundError:
+        return False
+    return "0" * 31 + "1" in addresses
 
 
 def bound_socket(host=HOST):
