@@ -108,6 +108,14 @@ private Q_SLOTS:
         QCOMPARE(m_uploads->upload(), QString());
     }
 
+    void hostMayBeAName()
+    {
+        m_uploads->settings.hostname = u"Files.example"_s;
+        m_uploads->nameAddresses(u"files.example"_s, server().port(), {server().fact("host")});
+        QCOMPARE(m_uploads->upload(), QString());
+        QCOMPARE(arrived(m_uploads->kName), m_uploads->small());
+    }
+
     void oddPasswordsAreAccepted_data()
     {
         QTest::addColumn<QString>("password");
