@@ -40,6 +40,10 @@ def _handlers(options, log, unheard_port):
         auth_failed_timeout = 0
         log_prefix = ""
 
+        def collect_incoming_data(self, data):
+            """As that of the base class, without its limit for a line."""
+            self._in_buffer.append(data)
+
         def pre_process_command(self, line, cmd, arg):
             """Every command comes here first, also the unknown and the forbidden ones."""
             with open(log, "a", encoding="utf-8") as file:
