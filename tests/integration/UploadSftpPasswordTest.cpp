@@ -1,3 +1,5 @@
+#include "SftpWithKeyFile.h"
+#include "SshAgent.h"
 #include "UploadSurroundings.h"
 #include "support/CapturedOutput.h"
 #include "support/TestMain.h"
@@ -92,6 +94,59 @@ private Q_SLOTS:
         m_uploads->use(odd);
         QCOMPARE(m_uploads->upload(), QString());
         QCOMPARE(m_uploads->contentsOf(odd.folder() + u'/' + m_uploads->kName), m_uploads->small());
+    }
+
+    void keyWithAPassphraseIsNotInTheWay()
+    {
+        QFETCH_GLOBAL(QString, kind);
+        if (kind != u"sshd")
+            return; // The others know no such key.
+        const TestServer server(kind, {u"--key-passphrase=a phrase"_s});
+        const SftpWithKeyFile sftp(server.fact("privateKey"));
+        m_uploads->environment.sftp = sftp.path();
+        m_uploads->makeKeysFolder();
+        m_uploads->use(server);
+        const CapturedOutput output;
+        QCOMPARE(m_uploads->upload(), QString());
+        QCOMPARE(output.lines().filter(u"SSH key auth failed, trying password: "_s).size(), 1);
+    }
+
+    void manyKeysAreNotInTheWay()
+    {
+        const SshAgent agent(server().fact("privateKey"), 10);
+        QCOMPARE(m_uploads->upload(), QString());
+    }
+
+    void commandsInTheSettingsAreNotRun_data()
+    {
+        QTest::addColumn<QString>("host");
+        QTest::addColumn<QString>("user");
+        QTest::newRow("host") << u"127.0.0.1[exec touch $env(SEEN)]"_s << u"tester"_s;
+        QTest::newRow("user") << u"127.0.0.1"_s << u"[exec touch $env(SEEN)]tester"_s;
+        QTest::newRow("second command") << u"127.0.0.1;exec touch $env(SEEN)"_s << u"tester"_s;
+    }
+    void commandsInTheSettingsAreNotRun()
+    {
+        QFETCH(QString, host);
+        QFETCH(QString, user);
+        const QString seen = m_uploads->environment.homeFolder + u"/seen"_s;
+        qputenv("SEEN", QFile::encodeName(seen));
+        m_uploads->settings.hostname = host;
+        m_uploads->settings.username = user;
+        const QString told = m_uploads->upload();
+        qunsetenv("SEEN");
+        QVERIFY(!told.isEmpty());
+        QVERIFY(!QFile::exists(seen));
+    }
+
+    void userOfADomainIsAccepted()
+    {
+        QFETCH_GLOBAL(QString, kind);
+        if (kind == u"sshd")
+            return; // Its accounts are those of a system, which have no such names.
+        const TestServer server(kind, {u"--user=DOM\\user"_s});
+        m_uploads->use(server);
+        QCOMPARE(m_uploads->upload(), QString());
     }
 
     void wrongPasswordIsTold()
