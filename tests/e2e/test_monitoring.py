@@ -173,6 +173,10 @@ class FailingTest(UploadCase):
 
     server_kind = "closed"
 
+    def setUp(self):
+        super().setUp()
+        self.desktop.surroundings.choose_client_ports()
+
     def test_failing_upload_leaves_the_clipboard_alone(self):
         self.store_settings_for_silence(self.server, "FTP")
         self.desktop.screen.set_clipboard("left alone")

@@ -45,6 +45,7 @@ private Q_SLOTS:
 
     void refusedPortIsTold()
     {
+        m_uploads->chooseClientPorts();
         const TestServer closed(u"closed"_s);
         m_uploads->settings.port = closed.port();
         const CapturedOutput output;

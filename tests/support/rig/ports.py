@@ -11,7 +11,9 @@ TRAP = "530"
 # Below the range from which the kernel takes the ports of clients.
 CONTROL_PORTS = [port for port in range(10240, 20000) if TRAP not in str(port)]
 PASSIVE_PORTS = range(26000, 26500)
-assert not any(TRAP in str(port) for port in PASSIVE_PORTS)
+# Above that range, for clients that tell their own port.
+CLIENT_PORTS = range(61600, 62500)
+assert not any(TRAP in str(port) for port in (*PASSIVE_PORTS, *CLIENT_PORTS))
 
 
 def has_version_6():

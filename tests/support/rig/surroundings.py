@@ -5,7 +5,7 @@ import pathlib
 import shutil
 import tempfile
 
-from rig import clock
+from rig import clock, ports
 
 # What a desktop of the person who runs this would leak into ours.
 _KEPT = ("PATH", "ASAN_OPTIONS", "UBSAN_OPTIONS", "LSAN_OPTIONS")
@@ -19,7 +19,7 @@ class Surroundings:
         self.home = self._folder("home")
         # The digits 530 in the speed that curl's progress meter tells read as a refused login.
         self._curl_settings = self.home / ".curlrc"
-        self._curl_settings.write_text("no-progress-meter\n")
+        self._configure_curl("no-progress-meter")
         self.runtime = self._folder("run")
         self.tmp = self._folder("tmp")
         self.desktop_folder = self._folder("home/Desktop")
@@ -57,8 +57,17 @@ class Surroundings:
 
     def name_addresses(self, name, port, *addresses):
         """What curl takes a host's name for: tried in this order, version 6 in brackets."""
+        self.choose_client_ports()
+        self._configure_curl(f'resolve = "{name}:{port}:{",".join(addresses)}"')
+
+    def choose_client_ports(self):
+        """Has curl take ports without the digits 530 on its own side, which version 8 tells of a
+        connection that is refused."""
+        self._configure_curl(f"local-port = {ports.CLIENT_PORTS[0]}-{ports.CLIENT_PORTS[-1]}")
+
+    def _configure_curl(self, line):
         with open(self._curl_settings, "a", encoding="utf-8") as file:
-            print(f'resolve = "{name}:{port}:{",".join(addresses)}"', file=file)
+            print(line, file=file)
 
     def _files(self):
         return {path for folder in (self.runtime, self.tmp) for path in folder.rglob("*")}
