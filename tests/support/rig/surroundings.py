@@ -15,6 +15,7 @@ class Surroundings:
     """A fresh HOME, runtime folder and temporary folder below one base folder."""
 
     def __init__(self):
+        self._clock = clock.environment()
         self.base = pathlib.Path(tempfile.mkdtemp(prefix="tessery-desktop-"))
         self.home = self._folder("home")
         # The digits 530 in the speed that curl's progress meter tells read as a refused login.
@@ -26,7 +27,6 @@ class Surroundings:
         self.config = self._folder("home/.config")
         self._own_tmp = self._folder("desktop-tmp")
         self._noted = set()
-        self._clock = clock.environment()
         self.environment = self._environment()
 
     def _folder(self, name):
