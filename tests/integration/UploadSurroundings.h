@@ -114,6 +114,23 @@ public:
         return told;
     }
 
+    /// As upload() again and again with one service, however long each takes; the names on the
+    /// server are numbers.
+    QStringList uploadEvery(std::chrono::milliseconds interval, int count)
+    {
+        UploadService service(environment);
+        const QUrl file = makeFile(QStringLiteral("a.png"), small());
+        std::vector<QCoro::Task<QString>> tasks;
+        for (int i = 0; i < count; ++i) {
+            tasks.push_back(resultOf(service.upload(file, settings, QString::number(i))));
+            QTest::qWait(static_cast<int>(interval.count()));
+        }
+        QStringList told;
+        for (QCoro::Task<QString> &task : tasks)
+            told << QCoro::waitFor(task);
+        return told;
+    }
+
     /// As upload() with a large file, and calls midway once a part of it is in that folder.
     QString uploadLarge(const QString &folder, const std::function<void()> &midway)
     {

@@ -37,6 +37,8 @@ public:
 
     /// What the server tells under that name; empty if it tells nothing.
     QString fact(const char *name) const { return m_facts.value(QLatin1String(name)).toString(); }
+    /// Whether the server tells under that name that something is so.
+    bool tells(const char *name) const { return m_facts.value(QLatin1String(name)).toBool(); }
     int port() const { return m_facts.value(QLatin1String("port")).toInt(); }
     /// Where files arrive, as this process sees it.
     QString folder() const { return fact("folder"); }
