@@ -1,5 +1,3 @@
-#include "SftpWithKeyFile.h"
-#include "SshAgent.h"
 #include "UploadSurroundings.h"
 #include "support/CapturedOutput.h"
 #include "support/TestMain.h"
@@ -94,27 +92,6 @@ private Q_SLOTS:
         m_uploads->use(odd);
         QCOMPARE(m_uploads->upload(), QString());
         QCOMPARE(m_uploads->contentsOf(odd.folder() + u'/' + m_uploads->kName), m_uploads->small());
-    }
-
-    void keyWithAPassphraseIsNotInTheWay()
-    {
-        QFETCH_GLOBAL(QString, kind);
-        if (kind != u"sshd")
-            return; // The others know no such key.
-        const TestServer server(kind, {u"--key-passphrase=a phrase"_s});
-        const SftpWithKeyFile sftp(server.fact("privateKey"));
-        m_uploads->environment.sftp = sftp.path();
-        m_uploads->makeKeysFolder();
-        m_uploads->use(server);
-        const CapturedOutput output;
-        QCOMPARE(m_uploads->upload(), QString());
-        QCOMPARE(output.lines().filter(u"SSH key auth failed, trying password: "_s).size(), 1);
-    }
-
-    void manyKeysAreNotInTheWay()
-    {
-        const SshAgent agent(server().fact("privateKey"), 10);
-        QCOMPARE(m_uploads->upload(), QString());
     }
 
     void commandsInTheSettingsAreNotRun_data()
