@@ -1,60 +1,23 @@
 #include "base/TemporaryFile.h"
 
-#include "base/SystemError.h"
-#include "base/UniqueFd.h"
+#include "base/WholeFile.h"
 
 #include <QFile>
 
-#include <fcntl.h>
-#include <sys/stat.h>
+#include <unistd.h>
 
-#include <cerrno>
-#include <cstdio>
-
-namespace {
-
-void writeNewFile(const QString &path, const QByteArray &contents, TemporaryFile::Mode mode)
-{
-    const QByteArray name = QFile::encodeName(path);
-    const auto bits = static_cast<mode_t>(mode);
-    const UniqueFd file(::open(name.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, bits));
-    if (!file.isOpen())
-        throw SystemError::fromErrno(QLatin1String("Could not create ") + path, errno);
-
-    // The user's umask may have taken bits away; it cannot have added any.
-    int error = ::fchmod(file.get(), bits) == 0 ? 0 : errno;
-    for (qsizetype done = 0; error == 0 && done < contents.size();) {
-        const ssize_t count = ::write(file.get(), contents.constData() + done,
-                                      static_cast<std::size_t>(contents.size() - done));
-        if (count >= 0)
-            done += count;
-        else if (errno != EINTR)
-            error = errno;
-    }
-    if (error != 0) {
-        ::unlink(name.constData());
-        throw SystemError::fromErrno(QLatin1String("Could not write ") + path, error);
-    }
-}
-
-} // namespace
+// What goes with the program need not wait for the disk.
+using WholeFile::Outlives;
 
 TemporaryFile::TemporaryFile(const QString &path, const QByteArray &contents, Mode mode)
     : m_path(path), m_mode(mode)
 {
-    writeNewFile(path, contents, mode);
+    WholeFile::create(path, contents, static_cast<mode_t>(mode), Outlives::Program);
 }
 
 void TemporaryFile::replaceContents(const QByteArray &contents)
 {
-    const QString replacement = m_path + QLatin1String(".new");
-    writeNewFile(replacement, contents, m_mode);
-    if (::rename(QFile::encodeName(replacement).constData(), QFile::encodeName(m_path).constData())
-        != 0) {
-        const int error = errno;
-        ::unlink(QFile::encodeName(replacement).constData());
-        throw SystemError::fromErrno(QLatin1String("Could not write ") + m_path, error);
-    }
+    WholeFile::replace(m_path, contents, static_cast<mode_t>(m_mode), Outlives::Program);
 }
 
 TemporaryFile::~TemporaryFile()

@@ -2,17 +2,17 @@
 
 #include "base/AppIdentifier.h"
 #include "base/SystemError.h"
-#include "base/TemporaryFile.h"
+#include "base/WholeFile.h"
 
 #include <QFile>
 #include <QFileInfo>
 #include <QStandardPaths>
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdio>
 #include <filesystem>
 #include <system_error>
 
@@ -66,11 +66,7 @@ void write(const QString &path, const DesktopEntry &entry)
     std::filesystem::create_directories(QFile::encodeName(folder).toStdString(), error);
     if (error)
         throw SystemError::fromErrno(u"Could not create "_s + folder, error.value());
-    const QString newPath = path + u".new"_s;
-    QFile::remove(newPath); // Left behind by a run that crashed.
-    const TemporaryFile file(newPath, entry.bytes());
-    if (::rename(QFile::encodeName(newPath).constData(), QFile::encodeName(path).constData()) != 0)
-        throw SystemError::fromErrno(u"Could not write "_s + path, errno);
+    WholeFile::replace(path, entry.bytes(), S_IRUSR | S_IWUSR, WholeFile::Outlives::PowerCut);
 }
 
 /// The error's text; empty when there was none.

@@ -1,7 +1,7 @@
 #include "platform/linux/FileSecretStore.h"
 
 #include "base/SystemError.h"
-#include "base/TemporaryFile.h"
+#include "base/WholeFile.h"
 
 #include <QDir>
 #include <QFile>
@@ -11,7 +11,6 @@
 #include <sys/stat.h>
 
 #include <cerrno>
-#include <cstdio>
 
 using namespace Qt::StringLiterals;
 
@@ -58,13 +57,10 @@ bool FileSecretStore::write(const QString &service, const QString &account,
 {
     if (!makeSecretsFolder())
         return false;
-    const QString path = filePath(service, account);
-    const QString newPath = path + u".new"_s;
-    QFile::remove(newPath); // Left behind by a run that crashed.
     try {
-        const TemporaryFile file(newPath, secret);
-        return ::rename(QFile::encodeName(newPath).constData(), QFile::encodeName(path).constData())
-            == 0;
+        WholeFile::replace(filePath(service, account), secret, S_IRUSR | S_IWUSR,
+                           WholeFile::Outlives::PowerCut);
+        return true;
     } catch (const SystemError &) {
         return false; // The caller is told just that.
     }

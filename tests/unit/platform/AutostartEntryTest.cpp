@@ -1,5 +1,6 @@
 #include "platform/linux/AutostartEntry.h"
 
+#include "support/DiskCalls.h"
 #include "support/TestMain.h"
 
 #include <QDir>
@@ -56,6 +57,7 @@ private Q_SLOTS:
     void fileThatCannotBeReplacedIsToldAndNothingIsLeft();
     void entryThatCannotBeRemovedIsTold();
     void pipeInItsPlaceIsNoEntry();
+    void entryIsOnTheDiskBeforeItIsInItsPlace();
 
 private:
     AutostartEntry item() const { return AutostartEntry(m_program); }
@@ -388,6 +390,14 @@ void AutostartEntryTest::pipeInItsPlaceIsNoEntry()
     QVERIFY(!item().isEnabled());
     QCOMPARE(item().registerItem(), QString());
     QVERIFY(item().isEnabled());
+}
+
+void AutostartEntryTest::entryIsOnTheDiskBeforeItIsInItsPlace()
+{
+    const DiskCalls calls;
+    QCOMPARE(item().registerItem(), QString());
+    QCOMPARE(calls.all(),
+             QByteArrayList({"org.tessery.Tessery.desktop: synced", "autostart/: synced"}));
 }
 
 TESSERY_TEST_MAIN(QCoreApplication, AutostartEntryTest)

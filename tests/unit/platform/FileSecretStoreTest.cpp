@@ -1,5 +1,6 @@
 #include "platform/linux/FileSecretStore.h"
 
+#include "support/DiskCalls.h"
 #include "support/TestMain.h"
 
 #include <QDir>
@@ -104,6 +105,17 @@ private Q_SLOTS:
         QCOMPARE(m_store.read(kService, kAccount), std::optional<QByteArray>("short"));
         QCOMPARE(open.readAll(), "a long secret"); // The old file was not written over.
         QCOMPARE(QFileInfo(open.fileName()).dir().entryList(QDir::Files | QDir::Hidden).size(), 1);
+    }
+
+    void secretIsOnTheDiskBeforeItTakesTheOldOnesPlace()
+    {
+        const QByteArray name =
+            QFile::encodeName(QFileInfo(m_store.filePath(kService, kAccount)).fileName());
+        for (const QByteArray secret : {"first", "second"}) {
+            const DiskCalls calls;
+            QVERIFY(m_store.write(kService, kAccount, secret));
+            QCOMPARE(calls.all(), QByteArrayList({name + ": synced", "secrets/: synced"}));
+        }
     }
 
     void fileThatACrashedRunLeftIsNoHindrance()

@@ -1,5 +1,6 @@
 #include "platform/linux/SettingsFileStore.h"
 
+#include "support/DiskCalls.h"
 #include "support/TestMain.h"
 
 #include <QDir>
@@ -239,6 +240,15 @@ private Q_SLOTS:
         QCOMPARE(::chmod(QFile::encodeName(suitePath()).constData(), 0600), 0);
         QCOMPARE(m_store.namedDomain(kSuite)->setData(kKey, "two"), QString());
         QCOMPARE(modeOf(suitePath()), 0600);
+    }
+
+    void valueIsOnTheDiskBeforeItTakesTheOldOnesPlace()
+    {
+        for (const QByteArray value : {"first", "second"}) {
+            const DiskCalls calls;
+            QCOMPARE(m_store.namedDomain(kSuite)->setData(kKey, value), QString());
+            QCOMPARE(calls.all().constLast(), "org.tessery.Tessery.settings.conf: synced");
+        }
     }
 
     void linkedFileStaysALink()
