@@ -100,13 +100,13 @@ void QtStandardFoldersTest::homeIsTheEnvironments()
 
 void QtStandardFoldersTest::desktopIsInTheHomeFolderByDefault()
 {
-    QCOMPARE(QtStandardFolders().desktop(), qEnvironmentVariable("HOME") + u"/Desktop");
+    QCOMPARE(QtStandardFolders().desktop(), qEnvironmentVariable("HOME") + u"/Desktop"_s);
 }
 
 void QtStandardFoldersTest::desktopIsWhatTheUserConfigured()
 {
     write(u".config/user-dirs.dirs"_s, "XDG_DESKTOP_DIR=\"$HOME/Schreibtisch\"\n");
-    QCOMPARE(QtStandardFolders().desktop(), qEnvironmentVariable("HOME") + u"/Schreibtisch");
+    QCOMPARE(QtStandardFolders().desktop(), qEnvironmentVariable("HOME") + u"/Schreibtisch"_s);
 }
 
 void QtStandardFoldersTest::noScreenshotFolderIsTheUsualCase()

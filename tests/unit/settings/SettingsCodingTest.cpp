@@ -138,7 +138,8 @@ private Q_SLOTS:
     void missingKeyFailsTheWhole()
     {
         QFETCH(const QString, path);
-        QCOMPARE(failure(changed(path, QJsonValue(QJsonValue::Undefined))), path + u" is missing");
+        QCOMPARE(failure(changed(path, QJsonValue(QJsonValue::Undefined))),
+                 path + u" is missing"_s);
     }
 
     void valueOfAnotherTypeFailsTheWhole_data()
@@ -203,7 +204,7 @@ private Q_SLOTS:
     {
         QFETCH(const QString, path);
         QFETCH(const QJsonValue, value);
-        QCOMPARE(failure(changed(path, value)), path + u" is not one of the known texts");
+        QCOMPARE(failure(changed(path, value)), path + u" is not one of the known texts"_s);
     }
 
     void everyModifierMustBeKnown_data()
