@@ -25,6 +25,19 @@ make_chroot() {
   mv "$folder.new" "$folder"
 }
 
+# copy_clean_chroot RELEASE FOLDER: a copy of a minimal system that is made once, beside the folder.
+copy_clean_chroot() {
+  local release=$1 folder=$2 clean
+  clean=$(dirname "$folder")/$release
+  if [ ! -d "$clean" ]; then
+    echo "$release: making a clean system ..."
+    mkdir -p "$(dirname "$clean")"
+    make_chroot "$release" "$clean" >"$clean.log" 2>&1 || { tail -n 20 "$clean.log" >&2; return 1; }
+  fi
+  rm -rf --one-file-system "$folder"
+  cp -a "$clean" "$folder"
+}
+
 # mirror_of LABEL: where apt has the packages with this label from.
 mirror_of() {
   apt-get indextargets --format '$(REPO_URI)' 'Created-By: Packages' 'Origin: Debian' "Label: $1" |
