@@ -4,7 +4,8 @@ import dataclasses
 import re
 import subprocess
 
-_FENCE = re.compile(r" {0,3}```(.*)")
+_OPENINGS = ("```sh", "```sh long", "```text")
+_FENCE = re.compile(r"[\s>]*(```|~~~)")
 _INDENTED = re.compile(r"(?: {4}|\t)\S")
 _INLINE = re.compile(r"`([^`]+)`")
 _SCRIPT = re.compile(r"(?:^|\s)((?:scripts|bench|\.ci)/[\w./-]+)((?: --[\w-]+)*)")
@@ -52,27 +53,28 @@ def blocks(checkout, name):
 
 def _split(name, text):
     """The blocks of commands, and the text around all blocks."""
-    found, prose, inside, before = [], [], None, ""
+    found, prose, before = [], [], ""
+    begin = opening = inside = None
     for number, line in enumerate(text.splitlines(), 1):
         place = f"{name}:{number}"
-        if fence := _FENCE.fullmatch(line):
-            if inside is None:
-                inside = (place, fence[1].strip(), [])
-                if inside[1] not in ("sh", "sh long", "text"):
-                    raise Unclear(f"{place}: a block is opened by ```sh, ```sh long or ```text")
-            else:
-                if inside[1] != "text":
-                    found.append(Block(inside[0], "\n".join(inside[2]), inside[1] == "sh long"))
-                inside = None
-        elif inside is not None:
-            inside[2].append(line)
+        if inside is not None:
+            if line != "```":
+                inside.append(line)
+                continue
+            if opening != "```text":
+                found.append(Block(begin, "\n".join(inside), opening == "```sh long"))
+            inside = None
+        elif line in _OPENINGS:
+            begin, opening, inside = place, line, []
+        elif _FENCE.match(line):
+            raise Unclear(f"{place}: a block is opened by one of the lines {_OPENINGS}")
         elif _INDENTED.match(line) and not before.strip():
             raise Unclear(f"{place}: a block that is not fenced")
         else:
             prose.append(line)
         before = line
     if inside is not None:
-        raise Unclear(f"{inside[0]}: a block that does not end")
+        raise Unclear(f"{begin}: a block that does not end")
     return found, "\n".join(prose)
 
 
