@@ -165,8 +165,9 @@ private Q_SLOTS:
             QAccessible::queryAccessibleInterface(m_window->find(u"tab.general"_s));
         QCOMPARE(tab->role(), QAccessible::PageTab);
         QVERIFY(!tab->state().selected);
-        QVERIFY(tab->actionInterface());
-        tab->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+        QAccessibleActionInterface *const action = tab->actionInterface();
+        QVERIFY(action);
+        action->doAction(QAccessibleActionInterface::pressAction());
         QCOMPARE(m_window->view->selectedTab(), 3);
         QVERIFY(tab->state().selected);
     }
