@@ -52,6 +52,9 @@ public:
     /// the desktop refuses, everything else works.
     void setupGlobalHotkey();
 
+    /// Tells that there is nothing to be done before the settings are complete.
+    void askForSettings();
+
     /// Starts the upload of what the clipboard holds and returns at once.
     void uploadClipboard();
 

@@ -23,7 +23,7 @@ QCoro::Task<> AppState::handleUploadClipboard()
     Log::line(u"📋 Upload clipboard triggered"_s);
     if (!m_settings.isValid()) {
         Log::line(u"❌ Settings not valid"_s);
-        sendNotification(u"Upload Error"_s, u"Please configure server settings first"_s, true);
+        askForSettings();
         co_return;
     }
 

@@ -76,7 +76,7 @@ QCoro::Task<> AppState::handleNewScreenshot(QUrl fileURL)
     if (!m_settings.isValid()) {
         Log::line(u"❌ Settings not valid"_s);
         setLastUploadStatus(u"Error: Settings not configured"_s);
-        sendNotification(u"Upload Error"_s, u"Please configure server settings first"_s, true);
+        askForSettings();
         co_return;
     }
     const QString remoteName = generateRemoteFilename(fileURL);

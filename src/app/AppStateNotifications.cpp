@@ -20,6 +20,11 @@ void AppState::setupNotifications()
     });
 }
 
+void AppState::askForSettings()
+{
+    sendNotification(u"Upload Error"_s, u"Please configure server settings first"_s, true);
+}
+
 void AppState::sendNotification(const QString &title, const QString &body, bool isError)
 {
     const UserNotification notification{

@@ -2,23 +2,27 @@
 
 using namespace Qt::StringLiterals;
 
-std::optional<QString> RemoteRequests::refusal(RemoteAction action, const Situation &situation)
+std::optional<RemoteRequests::Refusal> RemoteRequests::refusal(RemoteAction action,
+                                                               const Situation &situation)
 {
+    const QString notValid = u"the settings are not valid"_s;
     switch (action) {
     case RemoteAction::StartMonitoring:
         if (situation.isMonitoring)
-            return u"already monitoring"_s;
+            return Refusal{.reason = u"already monitoring"_s};
+        if (!situation.areSettingsValid())
+            return Refusal{.reason = notValid, .asksForSettings = true};
         break;
     case RemoteAction::StopMonitoring:
         if (!situation.isMonitoring)
-            return u"not monitoring"_s;
+            return Refusal{.reason = u"not monitoring"_s};
+        if (!situation.areSettingsValid())
+            return Refusal{.reason = notValid};
         break;
     case RemoteAction::UploadClipboard:
-        break;
     case RemoteAction::Settings:
     case RemoteAction::Quit:
-        return std::nullopt;
+        break;
     }
-    return situation.areSettingsValid ? std::nullopt
-                                      : std::optional(u"the settings are not valid"_s);
+    return std::nullopt;
 }

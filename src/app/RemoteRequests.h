@@ -4,18 +4,26 @@
 
 #include <QString>
 
+#include <functional>
 #include <optional>
 
-/// Whether what is asked from outside is done: what the menu would not offer is not.
+/// Whether what is asked from outside is done. Monitoring is what the menu makes of it: what that
+/// would not offer is not done. The upload, like that of the shortcut, tells itself what it misses.
 namespace RemoteRequests {
 
 /// What the answer depends on.
 struct Situation {
-    bool areSettingsValid = false;
+    std::function<bool()> areSettingsValid; ///< Asked only if it matters: it asks the keyring.
     bool isMonitoring = false;
 };
 
-/// Why the action is not done. Absent if it is.
-std::optional<QString> refusal(RemoteAction action, const Situation &situation);
+/// Why an action is not done.
+struct Refusal {
+    QString reason; ///< For the log.
+    bool asksForSettings = false; ///< Whether the user is told to complete the settings.
+};
+
+/// Absent if the action is done.
+std::optional<Refusal> refusal(RemoteAction action, const Situation &situation);
 
 } // namespace RemoteRequests

@@ -108,10 +108,13 @@ void TesseryApp::onTrayPatienceOver()
 
 void TesseryApp::perform(RemoteAction action, const QString &activationToken)
 {
-    const RemoteRequests::Situation situation{.areSettingsValid = m_appState.settings().isValid(),
-                                              .isMonitoring = m_appState.isMonitoring()};
-    if (const auto reason = RemoteRequests::refusal(action, situation)) {
-        Log::line(u"⚠️ Ignored "_s + RemoteActions::nameOf(action) + u": "_s + *reason);
+    const RemoteRequests::Situation situation{
+        .areSettingsValid = [this] { return m_appState.settings().isValid(); },
+        .isMonitoring = m_appState.isMonitoring()};
+    if (const auto refusal = RemoteRequests::refusal(action, situation)) {
+        Log::line(u"⚠️ Ignored "_s + RemoteActions::nameOf(action) + u": "_s + refusal->reason);
+        if (refusal->asksForSettings)
+            m_appState.askForSettings();
         return;
     }
     switch (action) {

@@ -9,6 +9,7 @@ from rig import processes
 from upload_case import DONE
 
 STARTED = "✅ Monitoring started successfully"
+NOT_VALID = "⚠️ Ignored start-monitoring: the settings are not valid"
 PERMISSION = "✅ Notification permission granted"
 
 
@@ -90,17 +91,44 @@ class ActionTest(InstanceCase):
 
 
 class InvalidSettingsTest(InstanceCase):
-    """With no settings the menu offers neither monitoring nor the upload."""
+    """The menu offers neither monitoring nor the upload. Asked for by a key, each says why not."""
 
-    def test_actions_obey_the_menu(self):
+    def ask_for_both(self, program, item):
+        """Asks for either; each tells the person what is missing, and nothing else happens."""
+        asked = ((self.act, "upload-clipboard", "❌ Settings not valid"),
+                 (self.hand_over, "upload-clipboard", "❌ Settings not valid"),
+                 (self.act, "start-monitoring", NOT_VALID),
+                 (self.hand_over, "start-monitoring", NOT_VALID))
+        for count, (ask, action, line) in enumerate(asked, 1):
+            after = len(program.output.all)
+            ask(action)
+            program.wait_for_line(line, after=after)
+            error = self.desktop.notifications.wait_for("Upload Error", count=count)
+            self.assertEqual(error.body, "Please configure server settings first")
+        self.assertEqual(item.labels()[:2], ["Monitoring Inactive", "Ready"])
+        self.assertNotIn(STARTED, program.output.all)
+
+    def test_actions_tell_what_is_missing(self):
         program = self.start()
         item = self.desktop.tray_item(program)
-        for action in ("start-monitoring", "upload-clipboard"):
-            self.assertFalse(item.menu()[3].enabled)
-            self.act(action)
-            program.wait_for_line(f"⚠️ Ignored {action}: the settings are not valid")
-        self.assertEqual(item.labels()[:2], ["Monitoring Inactive", "Ready"])
-        self.assertNotIn("📋 Upload clipboard triggered", program.output.all)
+        self.assertFalse(item.menu()[3].enabled)
+        self.ask_for_both(program, item)
+
+    def test_actions_tell_it_while_the_keyring_is_locked(self):
+        self.store_settings()
+        program = self.start()
+        item = self.desktop.tray_item(program)
+        self.desktop.keyring.lock()
+        self.ask_for_both(program, item)
+
+    def test_nothing_to_stop_is_a_line_alone(self):
+        program = self.start()
+        self.desktop.tray_item(program)
+        self.act("stop-monitoring")
+        program.wait_for_line("⚠️ Ignored stop-monitoring: not monitoring")
+        self.act("upload-clipboard")
+        self.desktop.notifications.wait_for("Upload Error")
+        self.assertEqual(len(self.desktop.notifications.all), 1)
 
 
 class FirstStartTest(InstanceCase):
@@ -124,7 +152,7 @@ class FirstStartTest(InstanceCase):
 
     def test_invalid_settings_leave_it_running(self):
         program = self.start("upload-clipboard")
-        program.wait_for_line("⚠️ Ignored upload-clipboard: the settings are not valid")
+        self.desktop.notifications.wait_for("Upload Error")
         self.desktop.tray_item(program)
 
     def test_wrong_usage(self):

@@ -2,8 +2,10 @@
 
 import unittest
 
+from desktop_case import PROGRAM
 from rig import settings_file
 from settings_window import SettingsWindow
+from upload_case import DONE
 from wayland_case import MENU, WaylandCase
 
 WAYLAND = "Wayland, "
@@ -52,6 +54,31 @@ class StartTest(WaylandCase):
         program.wait_for_line("✅ Notification permission granted")
         self.desktop.start_tray()
         self.quit(program, self.desktop.tray_item(program))
+
+
+class BoundKeyTest(WaylandCase):
+    """The key that a person has bound in sway's configuration, in place of the shortcut."""
+
+    desktop_options = {"more": f"bindsym Mod4+Shift+u exec {PROGRAM} upload-clipboard"}
+
+    def press(self, title):
+        """Presses the key, of which a notification tells; gives that."""
+        self.desktop.screen.key("super+shift+u")
+        return self.desktop.notifications.wait_for(title)
+
+    def test_it_uploads(self):
+        program, item = self.start_set_up()
+        self.desktop.screen.set_clipboard("some text")
+        self.press(DONE)
+        self.assertIn(b"some text", self.on_server().values())
+        self.quit(program, item)
+
+    def test_it_tells_that_the_settings_are_missing(self):
+        program = self.start()
+        item = self.desktop.tray_item(program)
+        error = self.press("Upload Error")
+        self.assertEqual(error.body, "Please configure server settings first")
+        self.quit(program, item)
 
 
 class NoBusTest(WaylandCase):

@@ -192,17 +192,37 @@ private Q_SLOTS:
         QVERIFY(!output.bytes().contains("No tray"));
     }
 
-    void actionsObeyTheMenu()
+    void actionsWithoutSettingsTellWhatIsMissing_data()
+    {
+        QTest::addColumn<QString>("action");
+        QTest::addColumn<QStringList>("lines");
+        QTest::newRow("start") << u"start-monitoring"_s
+                               << QStringList(
+                                      u"⚠️ Ignored start-monitoring: the settings are not valid"_s);
+        QTest::newRow("upload") << u"upload-clipboard"_s
+                                << QStringList({u"📋 Upload clipboard triggered"_s,
+                                                u"❌ Settings not valid"_s});
+    }
+    void actionsWithoutSettingsTellWhatIsMissing()
+    {
+        QFETCH(const QString, action);
+        const CapturedOutput output;
+        perform(*RemoteActions::named(action));
+        QTEST(output.lines(), "lines");
+        const auto &told = m_platform->fakeNotifications->delivered;
+        QCOMPARE(told.size(), 1U);
+        QCOMPARE(told.at(0).title, u"Upload Error"_s);
+        QCOMPARE(told.at(0).body, u"Please configure server settings first"_s);
+        QCOMPARE(told.at(0).sound, UserNotification::Sound::Critical);
+        QCOMPARE(m_platform->watchersMade, 0);
+    }
+
+    void nothingToStopIsALineAlone()
     {
         const CapturedOutput output;
-        perform(RemoteAction::StartMonitoring);
-        perform(RemoteAction::UploadClipboard);
         perform(RemoteAction::StopMonitoring);
-        QCOMPARE(output.lines(),
-                 QStringList({u"⚠️ Ignored start-monitoring: the settings are not valid"_s,
-                              u"⚠️ Ignored upload-clipboard: the settings are not valid"_s,
-                              u"⚠️ Ignored stop-monitoring: not monitoring"_s}));
-        QCOMPARE(m_platform->watchersMade, 0);
+        QCOMPARE(output.lines(), QStringList(u"⚠️ Ignored stop-monitoring: not monitoring"_s));
+        QVERIFY(m_platform->fakeNotifications->delivered.empty());
     }
 
     void settingsActionOpensTheWindowWithItsToken()
