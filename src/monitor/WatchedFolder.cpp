@@ -2,7 +2,6 @@
 
 #include "base/Log.h"
 #include "base/LoggedName.h"
-#include "monitor/FolderListing.h"
 #include "monitor/ScreenshotName.h"
 
 #include <QByteArray>
@@ -29,9 +28,11 @@ void addTo(Log::Batch &log, QByteArrayView lines)
 struct WatchedFolder::Listing {
     bool isComplete = false; ///< Else the folder could not be read, and nothing else counts.
     std::size_t count = 0; ///< Of entries of any kind.
-    /// Screenshots that were not known before. Files whose names are canonically equivalent are
-    /// each unknown if they come together.
-    std::vector<std::string> unknown;
+    /// Screenshots that are new. Files whose names are canonically equivalent are each new if they
+    /// come together.
+    std::vector<std::string> found;
+    /// Screenshots that were not known before, but came with the folder: they are not new.
+    std::vector<std::string> old;
     /// What is to be logged about the entries, each line with its line break.
     QByteArray lines;
 };
@@ -43,6 +44,8 @@ WatchedFolder::WatchedFolder(QString path, QString heading, std::unique_ptr<Fold
     , m_watcher(std::move(watcher))
     , m_found(std::move(found))
 {
+    // Files are stamped by the coarse clock, which may be a few milliseconds behind the other.
+    ::clock_gettime(CLOCK_REALTIME_COARSE, &m_start);
     loadExistingScreenshots();
 }
 
@@ -51,7 +54,7 @@ void WatchedFolder::start()
     Log::line(u"📸 Starting screenshot monitoring on: "_s + m_path);
     Log::line(u"📸 Known files at start: "_s + QString::number(m_knownFiles.count()));
     const FolderWatcher::Start outcome = m_watcher
-        ? m_watcher->start(m_path, [this] { handleEvents(); })
+        ? m_watcher->start(m_path, [this](bool mayBeAnother) { handleEvents(mayBeAnother); })
         : FolderWatcher::Start::Failed;
     switch (outcome) {
     case FolderWatcher::Start::Failed:
@@ -75,37 +78,56 @@ void WatchedFolder::stop()
 
 void WatchedFolder::loadExistingScreenshots()
 {
-    const Listing listing = list();
+    const Listing listing = list(Occasion::Start);
     if (!listing.isComplete)
         return;
     Log::Batch log;
     addTo(log, listing.lines);
-    for (const std::string &name : listing.unknown)
-        m_knownFiles.insert(name);
+    insertAll(listing.old);
 }
 
-void WatchedFolder::handleEvents()
+void WatchedFolder::handleEvents(bool mayBeAnother)
 {
+    if (mayBeAnother)
+        m_folder.reset();
     Log::Batch log;
     log.line(u"📸 FSEvents triggered - checking for new screenshots..."_s);
     if (!m_heading.isEmpty())
         log.line(m_heading);
-    const Listing listing = list("✅ New screenshot detected: ");
+    const Listing listing = list(Occasion::Rescan);
     if (!listing.isComplete) {
         log.line(u"❌ Could not read directory contents"_s);
         return;
     }
     log.line(QString(u"📸 Found "_s + QString::number(listing.count) + u" files in directory"_s));
     addTo(log, listing.lines);
-    for (const std::string &name : listing.unknown) {
-        m_knownFiles.insert(name);
+    insertAll(listing.old);
+    insertAll(listing.found);
+    for (const std::string &name : listing.found)
         m_found(QString::fromStdString(name));
-    }
 }
 
-WatchedFolder::Listing WatchedFolder::list(const char *unknownHeading)
+void WatchedFolder::insertAll(const std::vector<std::string> &names)
+{
+    for (const std::string &name : names)
+        m_knownFiles.insert(name);
+}
+
+WatchedFolder::Listing WatchedFolder::list(Occasion occasion)
 {
     Listing listing;
+    OpenFolder folder(QFile::encodeName(m_path).constData());
+    // Asked of the folder that is read, since events may come too late to tell that it has become
+    // another. Once it has been gone or could not be read, it counts as another.
+    const auto before = std::exchange(m_folder, std::nullopt);
+    if (!folder.isOpen())
+        return listing;
+    const auto identity = folder.identity();
+    const bool isSame = identity && identity == before;
+    const auto isOld = [&](std::string_view name) {
+        return occasion == Occasion::Start
+            || !(isSame || folder.hasChangedSince(std::string(name), m_start));
+    };
     m_knownFiles.beginPass();
     const auto visit = [&](std::string_view name) {
         ++listing.count;
@@ -120,9 +142,12 @@ WatchedFolder::Listing WatchedFolder::list(const char *unknownHeading)
         case ScreenshotName::Kind::Screenshot:
             if (m_knownFiles.contains(name))
                 break;
-            if (unknownHeading)
-                listing.lines += unknownHeading + LoggedName::of(name) + '\n';
-            listing.unknown.emplace_back(name);
+            if (isOld(name)) {
+                listing.old.emplace_back(name);
+                break;
+            }
+            listing.lines += "✅ New screenshot detected: " + LoggedName::of(name) + '\n';
+            listing.found.emplace_back(name);
             break;
         case ScreenshotName::Kind::OtherImage:
             listing.lines += "⚠️ File '" + LoggedName::of(name)
@@ -132,6 +157,8 @@ WatchedFolder::Listing WatchedFolder::list(const char *unknownHeading)
             break;
         }
     };
-    listing.isComplete = visitFolder(QFile::encodeName(m_path).constData(), visit);
+    listing.isComplete = folder.visit(visit);
+    if (listing.isComplete)
+        m_folder = identity;
     return listing;
 }

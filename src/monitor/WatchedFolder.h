@@ -1,15 +1,21 @@
 #pragma once
 
 #include "monitor/KnownFiles.h"
+#include "monitor/OpenFolder.h"
 #include "platform/FolderWatcher.h"
 
 #include <QString>
 
+#include <ctime>
 #include <functional>
 #include <memory>
+#include <optional>
+#include <string>
+#include <vector>
 
 /// One folder that screenshots are written to: tells once of each new file whose name marks it as a
-/// screenshot. Screenshots that are there when it is made are not new. Main thread.
+/// screenshot. Screenshots that are there when it is made are not new. When the path leads to
+/// another folder than before, what was made before the start is not new there either. Main thread.
 class WatchedFolder {
 public:
     /// Called for each new screenshot, with its name, when the folder has been gone through.
@@ -33,17 +39,21 @@ public:
 
 private:
     struct Listing;
+    enum class Occasion { Start, Rescan };
 
     void loadExistingScreenshots();
-    void handleEvents();
-    /// Goes through the folder. unknownHeading begins the log line of each unknown screenshot; null
-    /// for no line.
-    Listing list(const char *unknownHeading = nullptr);
+    void handleEvents(bool mayBeAnother);
+    void insertAll(const std::vector<std::string> &names);
+    /// Goes through the folder.
+    Listing list(Occasion occasion);
 
     QString m_path;
     QString m_heading;
     std::unique_ptr<FolderWatcher> m_watcher;
     bool m_isWatching = false;
     Found m_found;
+    timespec m_start = {}; ///< By the clock that files are stamped with.
+    /// That was gone through last; empty if that failed, or if it may be another by now.
+    std::optional<OpenFolder::Identity> m_folder;
     KnownFiles m_knownFiles;
 };

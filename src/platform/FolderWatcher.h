@@ -21,8 +21,11 @@ public:
         Running,
     };
 
+    /// Told whether the folder may be another one than before, even if it looks the same.
+    using OnBatch = std::function<void(bool mayBeAnother)>;
+
     /// Begins to watch the folder at path, from now on; onBatch is called from the event loop. A
     /// folder that is missing, replaced, moved away or unmounted is picked up when it comes back,
     /// which counts as an event. Called once.
-    virtual Start start(const QString &path, std::function<void()> onBatch) = 0;
+    virtual Start start(const QString &path, OnBatch onBatch) = 0;
 };

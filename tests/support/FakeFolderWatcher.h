@@ -7,7 +7,7 @@
 /// A watcher that delivers batches when told to.
 class FakeFolderWatcher : public FolderWatcher {
 public:
-    Start start(const QString &path, std::function<void()> onBatch) override
+    Start start(const QString &path, OnBatch onBatch) override
     {
         ++starts;
         watchedPath = path;
@@ -16,12 +16,12 @@ public:
     }
 
     /// Something happened in the folder, a second ago.
-    void deliverBatch() { m_onBatch(); }
+    void deliverBatch(bool mayBeAnother = false) { m_onBatch(mayBeAnother); }
 
     Start outcome = Start::Running; ///< What start() gives.
     int starts = 0;
     QString watchedPath;
 
 private:
-    std::function<void()> m_onBatch;
+    OnBatch m_onBatch;
 };

@@ -18,7 +18,7 @@ constexpr auto kLatency = 1s;
 
 } // namespace
 
-FolderWatcher::Start InotifyFolderWatcher::start(const QString &path, std::function<void()> onBatch)
+FolderWatcher::Start InotifyFolderWatcher::start(const QString &path, OnBatch onBatch)
 {
     m_path = QFile::encodeName(path);
     m_onBatch = std::move(onBatch);
@@ -78,8 +78,8 @@ void InotifyFolderWatcher::deliver()
     if (!wasThere && !m_folder.exists)
         return;
     // Last, and from a copy, so that the caller may end the watching.
-    const std::function<void()> onBatch = m_onBatch;
-    onBatch();
+    const OnBatch onBatch = m_onBatch;
+    onBatch(isPathChanged);
 }
 
 /// What is mounted over the folder, or over a folder above it, is not told by inotify.

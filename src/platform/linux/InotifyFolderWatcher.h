@@ -16,7 +16,7 @@
 /// as well; so is one for which the system has no watch left.
 class InotifyFolderWatcher final : public FolderWatcher {
 public:
-    Start start(const QString &path, std::function<void()> onBatch) override;
+    Start start(const QString &path, OnBatch onBatch) override;
 
 private:
     void place();
@@ -27,7 +27,7 @@ private:
     void checkMounts();
 
     QByteArray m_path;
-    std::function<void()> m_onBatch;
+    OnBatch m_onBatch;
     std::optional<PathWatches> m_watches;
     std::unique_ptr<QSocketNotifier> m_readable;
     UniqueFd m_mounts;

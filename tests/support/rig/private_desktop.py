@@ -152,12 +152,14 @@ class PrivateDesktop:
 
     # Programs and their settings
 
-    def start_program(self, path, *arguments, environment=None, own_account=False):
+    def start_program(self, path, *arguments, environment=None, own_account=False, mounts=None):
         """Starts a program under test.
 
-        With `own_account` the ssh that it starts has its ".ssh" folder in the desktop's HOME; this
-        needs user namespaces."""
+        With `own_account` the ssh that it starts has its ".ssh" folder in the desktop's HOME, with
+        `mounts` it runs among those; both need user namespaces."""
         command = [str(path), *arguments]
+        if mounts:
+            command = mounts.command(command)
         if own_account:
             command = with_own_account(command, self.surroundings, os.getuid(), os.getgid())
         return Program(self.household, command,

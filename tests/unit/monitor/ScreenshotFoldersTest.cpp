@@ -102,7 +102,7 @@ void ScreenshotFoldersTest::makeMonitor()
     public:
         explicit Watcher(ScreenshotFoldersTest &test) : m_test(test) { ++m_test.m_watchersAlive; }
         ~Watcher() override { --m_test.m_watchersAlive; }
-        Start start(const QString &path, std::function<void()> onBatch) override
+        Start start(const QString &path, OnBatch onBatch) override
         {
             outcome = m_test.m_outcomes.value(path, Start::Running);
             return FakeFolderWatcher::start(path, std::move(onBatch));
