@@ -18,19 +18,32 @@ constexpr auto kLatency = 1s;
 
 } // namespace
 
+std::function<std::unique_ptr<FolderWatcher>()> InotifyFolderWatcher::factory()
+{
+    return [last = std::weak_ptr<SharedInotify>()]() mutable {
+        std::shared_ptr<SharedInotify> inotify = last.lock();
+        if (!inotify)
+            last = inotify = std::make_shared<SharedInotify>();
+        return std::make_unique<InotifyFolderWatcher>(std::move(inotify));
+    };
+}
+
+InotifyFolderWatcher::InotifyFolderWatcher(std::shared_ptr<SharedInotify> inotify)
+    : m_inotify(std::move(inotify))
+{
+}
+
 FolderWatcher::Start InotifyFolderWatcher::start(const QString &path, OnBatch onBatch)
 {
+    if (!m_inotify->isOpen())
+        return Start::Failed;
     m_path = QFile::encodeName(path);
     m_onBatch = std::move(onBatch);
-    m_watches.emplace(m_path);
-    if (!m_watches->isOpen())
-        return Start::Failed;
+    m_watches.emplace(m_inotify, m_path);
     m_batch.setSingleShot(true);
     m_batch.setTimerType(Qt::PreciseTimer);
     QObject::connect(&m_batch, &QTimer::timeout, &m_batch, [this] { deliver(); });
-    m_readable = std::make_unique<QSocketNotifier>(m_watches->descriptor(), QSocketNotifier::Read);
-    QObject::connect(m_readable.get(), &QSocketNotifier::activated, m_readable.get(),
-                     [this] { readEvents(); });
+    QObject::connect(m_inotify.get(), &SharedInotify::told, &m_batch, [this] { schedule(); });
     watchMounts();
     place();
     return m_watches->hasFolder() || (m_poll && m_folder.exists) ? Start::Running : Start::Idle;
@@ -45,35 +58,29 @@ void InotifyFolderWatcher::place()
     } else if (!m_poll) {
         m_poll = std::make_unique<FolderPoll>(
             m_path, [this](const FolderState &before, const FolderState &now) {
-                schedule({.folder = true, .path = !now.isSameFolderAs(before)});
+                m_pending.folder = true;
+                m_pending.path |= !now.isSameFolderAs(before);
+                schedule();
             });
     }
 }
 
-void InotifyFolderWatcher::readEvents()
+void InotifyFolderWatcher::schedule()
 {
-    schedule(m_watches->read());
-}
-
-void InotifyFolderWatcher::schedule(PathWatches::Events events)
-{
-    m_pending.folder |= events.folder;
-    m_pending.path |= events.path;
-    if ((!m_pending.folder && !m_pending.path) || m_batch.isActive())
-        return;
-    m_batch.start(kLatency);
-    // What comes until then belongs to the same batch, so a busy folder need not wake us up.
-    m_readable->setEnabled(false);
+    const bool isPending = m_pending.folder || m_pending.path || m_watches->hasEvents();
+    if (isPending && !m_batch.isActive())
+        m_batch.start(kLatency);
 }
 
 void InotifyFolderWatcher::deliver()
 {
     const PathWatches::Events latest = m_watches->read();
     const bool isPathChanged = std::exchange(m_pending, {}).path || latest.path;
+    // What has come until now belongs to this batch.
+    m_batch.stop();
     const bool wasThere = m_folder.exists;
     if (isPathChanged)
         place();
-    m_readable->setEnabled(true);
     // On the way to a folder that is still missing, nothing has happened for the caller.
     if (!wasThere && !m_folder.exists)
         return;
@@ -95,6 +102,8 @@ void InotifyFolderWatcher::watchMounts()
 
 void InotifyFolderWatcher::checkMounts()
 {
-    if (!FolderState::of(m_path).isSameFolderAs(m_folder))
-        schedule({.folder = false, .path = true});
+    if (FolderState::of(m_path).isSameFolderAs(m_folder))
+        return;
+    m_pending.path = true;
+    schedule();
 }

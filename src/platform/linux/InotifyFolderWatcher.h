@@ -4,11 +4,13 @@
 #include "platform/FolderWatcher.h"
 #include "platform/linux/FolderPoll.h"
 #include "platform/linux/PathWatches.h"
+#include "platform/linux/SharedInotify.h"
 
 #include <QByteArray>
 #include <QSocketNotifier>
 #include <QTimer>
 
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -16,24 +18,27 @@
 /// as well; so is one for which the system has no watch left.
 class InotifyFolderWatcher final : public FolderWatcher {
 public:
+    /// Gives watchers that share one inotify instance, which there is as long as one of them lives.
+    static std::function<std::unique_ptr<FolderWatcher>()> factory();
+
+    explicit InotifyFolderWatcher(std::shared_ptr<SharedInotify> inotify);
     Start start(const QString &path, OnBatch onBatch) override;
 
 private:
     void place();
-    void readEvents();
-    void schedule(PathWatches::Events events);
+    void schedule();
     void deliver();
     void watchMounts();
     void checkMounts();
 
+    std::shared_ptr<SharedInotify> m_inotify;
     QByteArray m_path;
     OnBatch m_onBatch;
     std::optional<PathWatches> m_watches;
-    std::unique_ptr<QSocketNotifier> m_readable;
     UniqueFd m_mounts;
     std::unique_ptr<QSocketNotifier> m_mountsChanged;
     std::unique_ptr<FolderPoll> m_poll;
     QTimer m_batch;
-    PathWatches::Events m_pending;
+    PathWatches::Events m_pending; ///< That the instance does not tell.
     FolderState m_folder;
 };

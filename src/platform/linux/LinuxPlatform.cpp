@@ -80,7 +80,5 @@ LinuxPlatform::LinuxPlatform(const Surroundings &surroundings,
             return tap;
         };
     }
-    makeFolderWatcher = [] {
-        return std::make_unique<InotifyFolderWatcher>();
-    };
+    makeFolderWatcher = InotifyFolderWatcher::factory();
 }

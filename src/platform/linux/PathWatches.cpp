@@ -6,11 +6,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <climits>
-#include <cstddef>
-#include <cstring>
 #include <utility>
 
 namespace {
@@ -22,8 +21,10 @@ constexpr std::uint32_t kItself = IN_DELETE_SELF | IN_MOVE_SELF;
 constexpr std::uint32_t kReplaced = IN_DELETE | IN_MOVED_TO;
 /// It also arrives when its permissions change so that it can be watched.
 constexpr std::uint32_t kArrives = IN_CREATE | IN_MOVED_TO | IN_ATTRIB;
+/// Told of every watch.
+constexpr std::uint32_t kAlways = IN_UNMOUNT | IN_IGNORED;
 /// What ends a watch or moves it to another path.
-constexpr std::uint32_t kGone = IN_DELETE_SELF | IN_MOVE_SELF | IN_UNMOUNT | IN_IGNORED;
+constexpr std::uint32_t kGone = IN_DELETE_SELF | IN_MOVE_SELF | kAlways;
 
 /// As many links as the system itself follows.
 constexpr int kMostLinks = 40;
@@ -46,9 +47,18 @@ QByteArray linkTarget(const QByteArray &path)
 
 } // namespace
 
-PathWatches::PathWatches(const QByteArray &path)
-    : m_path(path), m_inotify(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC))
+PathWatches::PathWatches(std::shared_ptr<SharedInotify> inotify, const QByteArray &path)
+    : m_path(path), m_inotify(std::move(inotify))
 {
+    m_inotify->addUser(this);
+}
+
+PathWatches::~PathWatches()
+{
+    const std::vector<Watch> old = std::exchange(m_watches, {});
+    for (const Watch &watch : old)
+        m_inotify->release(watch.descriptor);
+    m_inotify->removeUser(this);
 }
 
 bool PathWatches::hasFolder() const
@@ -58,16 +68,18 @@ bool PathWatches::hasFolder() const
 
 void PathWatches::place()
 {
+    std::vector<Watch> old = std::exchange(m_watches, {});
+    follow();
     for (int attempt = 0; attempt < kMostAttempts; ++attempt) {
-        removeAll();
-        follow();
         // Whatever changed before the watches were there shows when the path is followed again.
         const std::vector<Watch> before = std::exchange(m_watches, {});
         follow();
-        if (m_watches == before)
-            return;
-        m_watches.insert(m_watches.begin(), before.begin(), before.end());
+        if (m_watches == before && narrow())
+            break;
+        old.insert(old.end(), before.begin(), before.end());
     }
+    for (const Watch &watch : old)
+        m_inotify->release(watch.descriptor);
 }
 
 void PathWatches::follow()
@@ -111,73 +123,70 @@ void PathWatches::follow()
         add(parent, kArrives, Role::Entry, name);
 }
 
-PathWatches::Added PathWatches::add(const QByteArray &path, std::uint32_t mask, Role role,
+PathWatches::Added PathWatches::add(const QByteArray &path, std::uint32_t events, Role role,
                                     const QByteArray &entry)
 {
     // One folder can stand on the path more than once; the roles add up.
-    const int descriptor =
-        ::inotify_add_watch(m_inotify.get(), path.constData(), mask | IN_DONT_FOLLOW | IN_MASK_ADD);
+    const int descriptor = m_inotify->isOpen() ? m_inotify->watch(path, events) : -1;
     if (descriptor >= 0) {
-        m_watches.push_back({descriptor, role, entry});
+        m_watches.push_back({descriptor, events, path, role, entry});
         return Added::Yes;
     }
-    if (errno != ENOSPC && errno != ENOMEM)
+    if (m_inotify->isOpen() && errno != ENOSPC && errno != ENOMEM)
         return Added::NotPossible;
     m_isOutOfWatches = true;
     return Added::NoWatchLeft;
 }
 
-void PathWatches::removeAll()
+bool PathWatches::narrow() const
 {
-    // A watch that is gone already cannot be removed, which is just as well.
-    for (const Watch &watch : std::exchange(m_watches, {}))
-        ::inotify_rm_watch(m_inotify.get(), watch.descriptor);
+    return std::ranges::all_of(m_watches, [this](const Watch &watch) {
+        return m_inotify->narrow(watch.descriptor, watch.path);
+    });
 }
 
 PathWatches::Events PathWatches::read()
 {
-    Events events;
-    alignas(inotify_event) std::array<std::byte, 16 * 1024> buffer;
-    for (;;) {
-        const ssize_t size = ::read(m_inotify.get(), buffer.data(), buffer.size());
-        if (size < 0 && errno == EINTR)
-            continue;
-        if (size <= 0)
-            return events;
-        for (ssize_t offset = 0; offset < size;) {
-            inotify_event event = {};
-            std::memcpy(&event, buffer.data() + offset, sizeof event);
-            const char *const name =
-                reinterpret_cast<const char *>(buffer.data() + offset + sizeof event);
-            note(event.wd, event.mask, event.len > 0 ? name : "", events);
-            offset += static_cast<ssize_t>(sizeof event + event.len);
-        }
-    }
+    if (m_inotify->isOpen())
+        m_inotify->read();
+    const Events events = std::exchange(m_events, {});
+    m_inotify->eventsTaken();
+    return events;
 }
 
-void PathWatches::note(int descriptor, std::uint32_t mask, const char *entry, Events &events) const
+std::uint32_t PathWatches::wanted(int descriptor) const
 {
-    if ((mask & IN_Q_OVERFLOW) != 0) {
-        events.folder = true;
-        events.path = true;
+    std::uint32_t events = 0;
+    for (const Watch &watch : m_watches) {
+        if (watch.descriptor == descriptor)
+            events |= watch.events;
+    }
+    return events;
+}
+
+void PathWatches::note(int descriptor, std::uint32_t events, const char *entry)
+{
+    if ((events & IN_Q_OVERFLOW) != 0) {
+        m_events = {.folder = true, .path = true};
         return;
     }
     for (const Watch &watch : m_watches) {
-        if (watch.descriptor != descriptor)
+        // Others may want more of it.
+        if (watch.descriptor != descriptor || (events & (watch.events | kAlways)) == 0)
             continue;
         switch (watch.role) {
         case Role::Contents:
-            events.folder = true;
+            m_events.folder = true;
             break;
         case Role::Itself:
             break;
         case Role::Link:
-            events.path = true;
+            m_events.path = true;
             break;
         case Role::Entry:
-            events.path |= watch.entry == entry;
+            m_events.path |= watch.entry == entry;
             break;
         }
-        events.path |= (mask & kGone) != 0;
+        m_events.path |= (events & kGone) != 0;
     }
 }

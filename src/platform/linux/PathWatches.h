@@ -1,28 +1,26 @@
 #pragma once
 
-#include "base/UniqueFd.h"
+#include "platform/linux/SharedInotify.h"
 
 #include <QByteArray>
 
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 /// The inotify watches that follow one folder by its path: on what is in the folder, and on
 /// whatever decides which folder the path leads to, links included. Nothing else wakes the program
 /// up, except that the folder's parent (or, while the folder is missing, the last folder on the way
 /// to it) also tells of other entries that come and go.
-class PathWatches {
+class PathWatches final : private SharedInotify::User {
 public:
-    /// path is absolute.
-    explicit PathWatches(const QByteArray &path);
+    /// path is absolute. An instance that is not open counts as one that has no watch left.
+    PathWatches(std::shared_ptr<SharedInotify> inotify, const QByteArray &path);
+    ~PathWatches();
+    PathWatches(const PathWatches &) = delete;
+    PathWatches &operator=(const PathWatches &) = delete;
 
-    /// False if the system gives no inotify instance; then nothing else may be called.
-    bool isOpen() const { return m_inotify.isOpen(); }
-
-    /// Readable when there is something to read().
-    int descriptor() const { return m_inotify.get(); }
-
-    /// Follows the path anew.
+    /// Follows the path anew. No event is lost by it.
     void place();
 
     /// The folder exists and is watched.
@@ -36,6 +34,8 @@ public:
         bool folder = false; ///< Something in the folder changed.
         bool path = false; ///< The path may lead elsewhere now: it is time to place() anew.
     };
+    /// The instance has told something, which read() gives.
+    bool hasEvents() const override { return m_events.folder || m_events.path; }
     /// What has happened since the last time.
     Events read();
 
@@ -48,6 +48,8 @@ private:
     };
     struct Watch {
         int descriptor = -1;
+        std::uint32_t events = 0;
+        QByteArray path;
         Role role = Role::Contents;
         QByteArray entry;
 
@@ -59,14 +61,17 @@ private:
         NotPossible,
     };
 
+    std::uint32_t wanted(int descriptor) const override;
+    void note(int descriptor, std::uint32_t events, const char *entry) override;
     void follow();
-    Added add(const QByteArray &path, std::uint32_t mask, Role role, const QByteArray &entry = {});
-    void removeAll();
-    void note(int descriptor, std::uint32_t mask, const char *entry, Events &events) const;
+    Added add(const QByteArray &path, std::uint32_t events, Role role,
+              const QByteArray &entry = {});
+    bool narrow() const;
 
     QByteArray m_path;
     QByteArray m_lastFolder;
-    UniqueFd m_inotify;
+    std::shared_ptr<SharedInotify> m_inotify;
     std::vector<Watch> m_watches;
     bool m_isOutOfWatches = false;
+    Events m_events;
 };

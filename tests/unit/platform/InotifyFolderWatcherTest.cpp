@@ -7,14 +7,18 @@
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QThread>
 #include <QTimer>
 
 #include <sys/resource.h>
 #include <sys/stat.h>
 
+#include <atomic>
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <optional>
+#include <system_error>
 
 using namespace Qt::StringLiterals;
 
@@ -41,6 +45,32 @@ bool link(const QString &target, const QString &path)
     return QFile::link(target, path);
 }
 
+/// How many inotify instances this process has.
+qsizetype instances()
+{
+    qsizetype count = 0;
+    for (const auto &file : std::filesystem::directory_iterator("/proc/self/fd")) {
+        std::error_code gone;
+        count += std::filesystem::read_symlink(file, gone) == "anon_inode:inotify" ? 1 : 0;
+    }
+    return count;
+}
+
+/// How often the event loop has to wake up in two and a half seconds.
+long wakeUps()
+{
+    rusage before = {};
+    rusage after = {};
+    QTimer end;
+    end.setSingleShot(true);
+    end.start(2500);
+    ::getrusage(RUSAGE_THREAD, &before);
+    while (end.isActive())
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    ::getrusage(RUSAGE_THREAD, &after);
+    return after.ru_nvcsw - before.ru_nvcsw;
+}
+
 } // namespace
 
 class InotifyFolderWatcherTest : public QObject {
@@ -61,10 +91,12 @@ private Q_SLOTS:
     void folderRenamedOverIsPickedUp();
     void folderMovedAwayIsPickedUpWhenItComesBack();
     void retargetedLinkIsFollowed();
-    void overflowIsABatchAndFindsTheFolderAgain();
+    void overflowIsABatchForAllAndFindsTheFolderAgain();
     void refusedInstanceIsAFailure();
     void batchMayEndTheWatching();
     void quietFolderWakesNobodyUp();
+    void foldersShareOneInstance();
+    void busyFolderNeitherDelaysAnotherNorWakesMuch();
 
 private:
     QString path(const QString &name = {}) const { return m_folder->filePath(name); }
@@ -73,9 +105,13 @@ private:
     /// Waits for the next batch; every test waits for all its batches, one by one.
     bool nextBatch();
     bool noBatch();
+    /// Makes more events in the folder than the system keeps. Nothing is read meanwhile.
+    bool overflow() const;
 
     std::optional<QTemporaryDir> m_folder;
-    std::unique_ptr<InotifyFolderWatcher> m_watcher;
+    const std::function<std::unique_ptr<FolderWatcher>()> m_makeWatcher =
+        InotifyFolderWatcher::factory();
+    std::unique_ptr<FolderWatcher> m_watcher;
     int m_batches = 0;
     int m_expected = 0;
     bool m_mayBeAnother = false; ///< As the last batch told.
@@ -98,7 +134,7 @@ void InotifyFolderWatcherTest::cleanup()
 
 Start InotifyFolderWatcherTest::start(const QString &folder)
 {
-    m_watcher = std::make_unique<InotifyFolderWatcher>();
+    m_watcher = m_makeWatcher();
     return m_watcher->start(folder, [this](bool mayBeAnother) {
         ++m_batches;
         m_mayBeAnother = mayBeAnother;
@@ -110,6 +146,21 @@ bool InotifyFolderWatcherTest::nextBatch()
     ++m_expected;
     return QTest::qWaitFor([this] { return m_batches >= m_expected; }, 5000)
         && m_batches == m_expected;
+}
+
+bool InotifyFolderWatcherTest::overflow() const
+{
+    QFile limitFile(u"/proc/sys/fs/inotify/max_queued_events"_s);
+    const int limit =
+        limitFile.open(QIODevice::ReadOnly) ? limitFile.readAll().trimmed().toInt() : 0;
+    // No two events in a row are alike.
+    const QByteArray names[] = {QFile::encodeName(path(u"Desktop/a"_s)),
+                                QFile::encodeName(path(u"Desktop/b"_s))};
+    for (int i = 0; i < limit / 2 + 1; ++i) {
+        if (::mkdir(names[i % 2].constData(), 0700) != 0 || ::rmdir(names[i % 2].constData()) != 0)
+            return false;
+    }
+    return limit > 0;
 }
 
 bool InotifyFolderWatcherTest::noBatch()
@@ -276,31 +327,26 @@ void InotifyFolderWatcherTest::retargetedLinkIsFollowed()
     QVERIFY(nextBatch());
 }
 
-void InotifyFolderWatcherTest::overflowIsABatchAndFindsTheFolderAgain()
+void InotifyFolderWatcherTest::overflowIsABatchForAllAndFindsTheFolderAgain()
 {
-    QFile limitFile(u"/proc/sys/fs/inotify/max_queued_events"_s);
-    QVERIFY(limitFile.open(QIODevice::ReadOnly));
-    const int limit = limitFile.readAll().trimmed().toInt();
-    QVERIFY(limit > 0);
+    QVERIFY(QDir(path()).mkdir(u"Shots"_s));
     QCOMPARE(start(), Start::Running);
-    // Nothing is read meanwhile, and no two events in a row are alike.
-    const QByteArray names[] = {QFile::encodeName(path(u"Desktop/a"_s)),
-                                QFile::encodeName(path(u"Desktop/b"_s))};
-    for (int i = 0; i < limit / 2 + 1; ++i) {
-        QCOMPARE(::mkdir(names[i % 2].constData(), 0700), 0);
-        QCOMPARE(::rmdir(names[i % 2].constData()), 0);
-    }
+    const std::unique_ptr<FolderWatcher> other = m_makeWatcher();
+    int batches = 0;
+    QCOMPARE(other->start(path(u"Shots"_s), [&batches](bool) { ++batches; }), Start::Running);
+    QVERIFY(overflow());
     // These events are lost.
     QVERIFY(renameOver(path(u"Desktop"_s), path(u"away"_s)));
     QVERIFY(QDir(path()).mkdir(u"Desktop"_s));
     QVERIFY(nextBatch());
+    QTRY_COMPARE(batches, 1);
     QVERIFY(write(path(u"Desktop/new"_s)));
     QVERIFY(nextBatch());
 }
 
 void InotifyFolderWatcherTest::refusedInstanceIsAFailure()
 {
-    m_watcher = std::make_unique<InotifyFolderWatcher>();
+    m_watcher = m_makeWatcher();
     rlimit old = {};
     QCOMPARE(::getrlimit(RLIMIT_NOFILE, &old), 0);
     rlimit none = old;
@@ -313,29 +359,73 @@ void InotifyFolderWatcherTest::refusedInstanceIsAFailure()
 
 void InotifyFolderWatcherTest::batchMayEndTheWatching()
 {
-    m_watcher = std::make_unique<InotifyFolderWatcher>();
+    m_watcher = m_makeWatcher();
     QCOMPARE(m_watcher->start(path(u"Desktop"_s), [this](bool) { m_watcher.reset(); }),
              Start::Running);
     QVERIFY(write(path(u"Desktop/new"_s)));
     QTRY_VERIFY(!m_watcher);
 }
 
-/// Counts how often the event loop had to wake up.
 void InotifyFolderWatcherTest::quietFolderWakesNobodyUp()
 {
     QCOMPARE(start(), Start::Running);
-    rusage before = {};
-    rusage after = {};
-    QTimer end;
-    end.setSingleShot(true);
-    end.start(2500);
-    QVERIFY(::getrusage(RUSAGE_THREAD, &before) == 0);
-    while (end.isActive())
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-    QVERIFY(::getrusage(RUSAGE_THREAD, &after) == 0);
+    const std::unique_ptr<FolderWatcher> other = m_makeWatcher();
+    QVERIFY(QDir(path()).mkdir(u"Shots"_s));
+    QCOMPARE(other->start(path(u"Shots"_s), [](bool) {}), Start::Running);
+    const long count = wakeUps();
     // The end of the wait itself is one.
-    QVERIFY2(after.ru_nvcsw - before.ru_nvcsw <= 2,
-             qPrintable(QString::number(after.ru_nvcsw - before.ru_nvcsw)));
+    QVERIFY2(count <= 2, qPrintable(QString::number(count)));
+}
+
+void InotifyFolderWatcherTest::foldersShareOneInstance()
+{
+    const qsizetype before = instances();
+    QVERIFY(QDir(path()).mkdir(u"Shots"_s));
+    QCOMPARE(start(), Start::Running);
+    std::unique_ptr<FolderWatcher> other = m_makeWatcher();
+    int batches = 0;
+    QCOMPARE(other->start(path(u"Shots"_s), [&batches](bool) { ++batches; }), Start::Running);
+    QCOMPARE(instances(), before + 1);
+    QVERIFY(write(path(u"Desktop/new"_s)));
+    QVERIFY(nextBatch());
+    QCOMPARE(batches, 0);
+    m_watcher.reset();
+    QVERIFY(write(path(u"Shots/new"_s)));
+    QTRY_COMPARE(batches, 1);
+    other.reset();
+    QCOMPARE(instances(), before);
+    QCOMPARE(start(), Start::Running);
+    QCOMPARE(instances(), before + 1);
+}
+
+void InotifyFolderWatcherTest::busyFolderNeitherDelaysAnotherNorWakesMuch()
+{
+    QVERIFY(QDir(path()).mkdir(u"Shots"_s));
+    QCOMPARE(start(), Start::Running);
+    const std::unique_ptr<FolderWatcher> other = m_makeWatcher();
+    QElapsedTimer timer;
+    qint64 batchAfter = 0;
+    QCOMPARE(other->start(path(u"Shots"_s), [&](bool) { batchAfter = timer.elapsed(); }),
+             Start::Running);
+    std::atomic<bool> isOver = false;
+    const std::unique_ptr<QThread> busy(QThread::create([this, &isOver] {
+        for (int i = 0; !isOver; ++i) {
+            write(path(u"Desktop/%1"_s.arg(i % 10)));
+            QThread::msleep(1);
+        }
+    }));
+    busy->start();
+    QVERIFY(nextBatch());
+    QTimer::singleShot(300, Qt::PreciseTimer, this, [&] {
+        write(path(u"Shots/new"_s));
+        timer.start();
+    });
+    const long count = wakeUps();
+    isOver = true;
+    QVERIFY(busy->wait());
+    QVERIFY2(batchAfter >= 995 && batchAfter < 1500, qPrintable(QString::number(batchAfter)));
+    // In two and a half seconds: ten readings each, as many ends of rests, and the batches.
+    QVERIFY2(count <= 70, qPrintable(QString::number(count)));
 }
 
 TESSERY_TEST_MAIN(QCoreApplication, InotifyFolderWatcherTest)

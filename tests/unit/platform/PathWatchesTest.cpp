@@ -12,7 +12,9 @@
 #include <poll.h>
 
 #include <cstdio>
+#include <memory>
 #include <optional>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -40,6 +42,13 @@ private Q_SLOTS:
     void folderMayBeOnItsOwnPath();
     void widerWatchesEndWithTheirPurpose();
     void rootCanBeWatched();
+    void placingLosesNoEvent();
+    void eachHearsOfItsOwnFolder();
+    void sharedFolderTellsEach();
+    void leavingKeepsTheWatchesOfOthers();
+    void sharedWatchesEndWithTheLastUser();
+    void sharedParentIsNarrowedAgain();
+    void otherUsersWishesAreNotTold();
 
 private:
     QString path(const QString &name = {}) const { return m_folder->filePath(name); }
@@ -49,8 +58,11 @@ private:
     void write(const QString &name);
     void watch(const QString &name);
     bool isReadable() const;
+    /// How many files and folders the instance watches.
+    qsizetype watchCount() const;
 
     std::optional<QTemporaryDir> m_folder;
+    std::shared_ptr<SharedInotify> m_inotify;
     std::optional<PathWatches> m_watches;
 };
 
@@ -73,11 +85,13 @@ void PathWatchesTest::init()
 {
     TestSurroundings::failOnWarnings();
     m_folder.emplace();
+    m_inotify = std::make_shared<SharedInotify>();
 }
 
 void PathWatchesTest::cleanup()
 {
     m_watches.reset();
+    m_inotify.reset();
     m_folder.reset();
 }
 
@@ -101,14 +115,20 @@ void PathWatchesTest::write(const QString &name)
 
 void PathWatchesTest::watch(const QString &name)
 {
-    m_watches.emplace(QFile::encodeName(path(name)));
+    m_watches.emplace(m_inotify, QFile::encodeName(path(name)));
     m_watches->place();
 }
 
 bool PathWatchesTest::isReadable() const
 {
-    pollfd ready = {.fd = m_watches->descriptor(), .events = POLLIN, .revents = 0};
+    pollfd ready = {.fd = m_inotify->descriptor(), .events = POLLIN, .revents = 0};
     return ::poll(&ready, 1, 0) == 1;
+}
+
+qsizetype PathWatchesTest::watchCount() const
+{
+    QFile facts(u"/proc/self/fdinfo/%1"_s.arg(m_inotify->descriptor()));
+    return facts.open(QIODevice::ReadOnly) ? facts.readAll().count("inotify wd:") : -1;
 }
 
 void PathWatchesTest::eventInTheFolderLeavesThePath()
@@ -365,9 +385,113 @@ void PathWatchesTest::widerWatchesEndWithTheirPurpose()
 
 void PathWatchesTest::rootCanBeWatched()
 {
-    m_watches.emplace("/");
+    m_watches.emplace(m_inotify, "/");
     m_watches->place();
     QVERIFY(m_watches->hasFolder());
+}
+
+void PathWatchesTest::placingLosesNoEvent()
+{
+    make(u"Desktop"_s);
+    watch(u"Desktop"_s);
+    write(u"Desktop/new"_s);
+    m_watches->place();
+    COMPARE_EVENTS(true, false);
+}
+
+void PathWatchesTest::eachHearsOfItsOwnFolder()
+{
+    make(u"Desktop"_s);
+    make(u"Shots"_s);
+    watch(u"Desktop"_s);
+    PathWatches shots(m_inotify, QFile::encodeName(path(u"Shots"_s)));
+    shots.place();
+    write(u"Shots/new"_s);
+    // Whoever reads, reads for all.
+    COMPARE_EVENTS(false, false);
+    QVERIFY(shots.hasEvents());
+    QVERIFY(shots.read().folder);
+    QVERIFY(!shots.hasEvents());
+    write(u"Desktop/new"_s);
+    QVERIFY(!shots.read().folder);
+    COMPARE_EVENTS(true, false);
+}
+
+void PathWatchesTest::sharedFolderTellsEach()
+{
+    make(u"Shots"_s);
+    link(u"Shots"_s, u"Desktop"_s);
+    watch(u"Desktop"_s);
+    PathWatches shots(m_inotify, QFile::encodeName(path(u"Shots"_s)));
+    shots.place();
+    write(u"Shots/new"_s);
+    COMPARE_EVENTS(true, false);
+    QVERIFY(shots.read().folder);
+    QVERIFY(QFile::remove(path(u"Desktop"_s)));
+    QVERIFY(!shots.read().path);
+    COMPARE_EVENTS(false, true);
+    move(u"Shots"_s, u"away"_s);
+    QVERIFY(shots.read().path);
+}
+
+void PathWatchesTest::leavingKeepsTheWatchesOfOthers()
+{
+    make(u"Shots"_s);
+    watch(u"Shots"_s);
+    std::optional<PathWatches> other(std::in_place, m_inotify, QFile::encodeName(path(u"Shots"_s)));
+    other->place();
+    m_watches.reset();
+    write(u"Shots/new"_s);
+    QVERIFY(other->read().folder);
+    move(u"Shots"_s, u"away"_s);
+    QVERIFY(other->read().path);
+}
+
+void PathWatchesTest::sharedWatchesEndWithTheLastUser()
+{
+    make(u"Desktop"_s);
+    make(u"Shots"_s);
+    watch(u"Desktop"_s);
+    const qsizetype alone = watchCount();
+    QVERIFY(alone > 0);
+    std::optional<PathWatches> shots(std::in_place, m_inotify, QFile::encodeName(path(u"Shots"_s)));
+    shots->place();
+    QCOMPARE(watchCount(), alone + 1);
+    m_watches->place();
+    QCOMPARE(watchCount(), alone + 1);
+    m_watches.reset();
+    QCOMPARE(watchCount(), alone);
+    shots.reset();
+    QCOMPARE(watchCount(), 0);
+}
+
+/// What one has waited for in a folder does not wake the program up once it is there, although
+/// another goes on watching that folder.
+void PathWatchesTest::sharedParentIsNarrowedAgain()
+{
+    make(u"Shots"_s);
+    PathWatches shots(m_inotify, QFile::encodeName(path(u"Shots"_s)));
+    shots.place();
+    watch(u"Desktop"_s);
+    make(u"Desktop"_s);
+    COMPARE_EVENTS(false, true);
+    COMPARE_PLACED(true);
+    write(u"beside"_s);
+    QVERIFY(!isReadable());
+    QVERIFY(QDir(path()).rmdir(u"Shots"_s));
+    QVERIFY(shots.read().path);
+}
+
+void PathWatchesTest::otherUsersWishesAreNotTold()
+{
+    make(u"a/b"_s);
+    PathWatches missing(m_inotify, QFile::encodeName(path(u"a/Desktop"_s)));
+    missing.place();
+    watch(u"a/b"_s);
+    // The one that waits hears of attributes in their parent.
+    QVERIFY(QFile::setPermissions(
+        path(u"a/b"_s), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner | QFile::ReadOther));
+    COMPARE_EVENTS(true, false);
 }
 
 TESSERY_TEST_MAIN(QCoreApplication, PathWatchesTest)
