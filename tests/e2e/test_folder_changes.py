@@ -1,7 +1,10 @@
 """A watched folder that is another one all at once: mounted over, unmounted, replaced, come back."""
 
+import pathlib
+import time
 import unittest
 
+from rig import processes
 from rig.private_mounts import PrivateMounts
 from upload_case import UploadCase
 
@@ -44,6 +47,12 @@ class FolderChangesCase(UploadCase):
         for _ in range(count):
             number = program.wait_for_line(RESCANNED, after=number) + 1
         program.wait_for_line("📸 Found", after=number)
+
+    def is_watching(self, program, folder):
+        """Whether the program hears of what happens in a folder."""
+        inode = f" ino:{folder.stat().st_ino:x} "
+        return any(inode in info.read_text()
+                   for info in pathlib.Path(f"/proc/{program.pid}/fdinfo").iterdir())
 
     def called_back(self, program):
         """The names of the screenshots that the program has found."""
@@ -110,6 +119,13 @@ class MountTest(FolderChangesCase):
             "Screenshot one.png", "Screenshot below.png", "Screenshot two.png"])
 
 
+    def test_mount_elsewhere_is_no_reason_to_look(self):
+        program = self.start_inside()
+        self.mounts.bind(self.other, self.make("elsewhere"))
+        time.sleep(1.5)
+        self.assertFalse(any(RESCANNED in line for line in program.output.all))
+
+
 class ReplacementTest(FolderChangesCase):
     """By other means."""
 
@@ -130,6 +146,47 @@ class ReplacementTest(FolderChangesCase):
         self.other.rename(self.folder)
         self.wait_for_rescan(program, 1)
         self.drop("Screenshot new.png")
+        self.wait_for_upload("Screenshot new.png")
+        self.assertEqual(self.called_back(program), ["Screenshot new.png"])
+
+
+class ParentTest(FolderChangesCase):
+    """Something is mounted over the folder above the watched one."""
+
+    def setUp(self):
+        super().setUp()
+        self.parent = self.make("parent")
+        self.shots = self.parent / "Shots"
+        self.shots.mkdir()
+        (self.desktop.surroundings.config / "user-dirs.dirs").write_text(
+            f'XDG_SCREENSHOTS_DIR="{self.shots}"\n')
+
+    def appear(self, folder):
+        """A watched folder with an old screenshot appears in the mounted one."""
+        self.other.rename(folder / "Shots")
+        return folder / "Shots"
+
+    def test_folder_that_appears_in_the_mounted_one_is_watched(self):
+        cover = self.make("cover")
+        program = self.start_inside()
+        self.mounts.bind(cover, self.parent)
+        program.wait_for_line("❌ Could not read directory contents")
+        shots = self.appear(cover)
+        self.wait_for_rescan(program, 2)
+        self.put(shots, "Screenshot new.png")
+        self.wait_for_upload("Screenshot new.png")
+        self.assertEqual(self.called_back(program), ["Screenshot new.png"])
+
+    def test_folder_that_was_missing_before_is_watched_too(self):
+        cover = self.make("cover")
+        program = self.start_inside()
+        self.shots.rmdir()
+        program.wait_for_line("❌ Could not read directory contents")
+        self.mounts.bind(cover, self.parent)
+        processes.wait_until(lambda: self.is_watching(program, cover), 5, "it is watched")
+        shots = self.appear(cover)
+        self.wait_for_rescan(program, 2)
+        self.put(shots, "Screenshot new.png")
         self.wait_for_upload("Screenshot new.png")
         self.assertEqual(self.called_back(program), ["Screenshot new.png"])
 

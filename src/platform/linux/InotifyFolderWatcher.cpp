@@ -67,29 +67,37 @@ void InotifyFolderWatcher::place()
 
 void InotifyFolderWatcher::schedule()
 {
-    const bool isPending = m_pending.folder || m_pending.path || m_watches->hasEvents();
+    const bool isPending =
+        m_pending.folder || m_pending.path || m_haveMountsChanged || m_watches->hasEvents();
     if (isPending && !m_batch.isActive())
         m_batch.start(kLatency);
 }
 
 void InotifyFolderWatcher::deliver()
 {
-    const PathWatches::Events latest = m_watches->read();
-    const bool isPathChanged = std::exchange(m_pending, {}).path || latest.path;
+    PathWatches::Events events = m_watches->read();
     // What has come until now belongs to this batch.
     m_batch.stop();
-    const bool wasThere = m_folder.exists;
-    if (isPathChanged)
+    events.folder |= m_pending.folder;
+    events.path |= m_pending.path;
+    m_pending = {};
+    const bool haveMountsChanged = std::exchange(m_haveMountsChanged, false);
+    if (m_mountsChanged)
+        m_mountsChanged->setEnabled(true);
+    const FolderState before = m_folder;
+    if (events.path || haveMountsChanged)
         place();
+    // Most mounts have nothing to do with the folder, even if they are on the way to it.
+    events.path |= !m_folder.isSameFolderAs(before);
     // On the way to a folder that is still missing, nothing has happened for the caller.
-    if (!wasThere && !m_folder.exists)
+    if ((!before.exists && !m_folder.exists) || !(events.folder || events.path))
         return;
     // Last, and from a copy, so that the caller may end the watching.
     const OnBatch onBatch = m_onBatch;
-    onBatch(isPathChanged);
+    onBatch(events.path);
 }
 
-/// What is mounted over the folder, or over a folder above it, is not told by inotify.
+/// What is mounted over the folder, or over a folder on the way to it, is not told by inotify.
 void InotifyFolderWatcher::watchMounts()
 {
     m_mounts = UniqueFd(::open("/proc/self/mountinfo", O_RDONLY | O_CLOEXEC));
@@ -97,13 +105,9 @@ void InotifyFolderWatcher::watchMounts()
         return;
     m_mountsChanged = std::make_unique<QSocketNotifier>(m_mounts.get(), QSocketNotifier::Exception);
     QObject::connect(m_mountsChanged.get(), &QSocketNotifier::activated, m_mountsChanged.get(),
-                     [this] { checkMounts(); });
-}
-
-void InotifyFolderWatcher::checkMounts()
-{
-    if (FolderState::of(m_path).isSameFolderAs(m_folder))
-        return;
-    m_pending.path = true;
-    schedule();
+                     [this] {
+                         m_haveMountsChanged = true;
+                         m_mountsChanged->setEnabled(false);
+                         schedule();
+                     });
 }

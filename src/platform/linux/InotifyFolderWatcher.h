@@ -29,7 +29,6 @@ private:
     void schedule();
     void deliver();
     void watchMounts();
-    void checkMounts();
 
     std::shared_ptr<SharedInotify> m_inotify;
     QByteArray m_path;
@@ -40,5 +39,6 @@ private:
     std::unique_ptr<FolderPoll> m_poll;
     QTimer m_batch;
     PathWatches::Events m_pending; ///< That the instance does not tell.
-    FolderState m_folder;
+    bool m_haveMountsChanged = false; ///< Anywhere.
+    FolderState m_folder; ///< When the path was followed last.
 };
