@@ -60,7 +60,8 @@ public:
             return watcher;
         };
         m_monitor = std::make_unique<ScreenshotMonitor>(folders, makeWatcher, [](const QUrl &) {});
-        m_monitor->start();
+        if (!m_monitor->start().isEmpty())
+            qFatal("Cannot watch %s", m_desktop.constData());
     }
 
     void read() const { bareRead(m_desktop); }

@@ -30,11 +30,15 @@ void AppState::startMonitoring()
         *m_platform.folders, m_platform.makeFolderWatcher,
         // The monitor is ours and calls nobody once it is gone.
         [this](const QUrl &fileURL) { screenshotArrived(fileURL); });
-    m_screenshotMonitor->start();
+    const QStringList failed = m_screenshotMonitor->start();
 
     setIsMonitoring(true);
     setLastUploadStatus(u"Monitoring for screenshots..."_s);
-    Log::line(u"✅ Monitoring started successfully"_s);
+    if (failed.isEmpty())
+        Log::line(u"✅ Monitoring started successfully"_s);
+    else
+        sendNotification(u"❌ Monitoring Failed"_s,
+                         u"Cannot watch for screenshots in: "_s + failed.join(u", "_s), true);
 }
 
 void AppState::stopMonitoring()

@@ -97,10 +97,14 @@ ScreenshotMonitor::ScreenshotMonitor(const StandardFolders &folders,
 
 ScreenshotMonitor::~ScreenshotMonitor() = default;
 
-void ScreenshotMonitor::start()
+QStringList ScreenshotMonitor::start()
 {
-    for (const std::unique_ptr<WatchedFolder> &folder : m_folders)
-        folder->start();
+    QStringList failed;
+    for (const std::unique_ptr<WatchedFolder> &folder : m_folders) {
+        if (!folder->start())
+            failed.append(folder->path());
+    }
+    return failed;
 }
 
 void ScreenshotMonitor::stop()

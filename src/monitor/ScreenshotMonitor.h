@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 #include <QUrl>
 
 #include <functional>
@@ -28,9 +29,9 @@ public:
     ScreenshotMonitor(const ScreenshotMonitor &) = delete;
     ScreenshotMonitor &operator=(const ScreenshotMonitor &) = delete;
 
-    /// Begins to watch. Called once. Failures are logged; a folder that cannot be watched leaves
-    /// the others alone.
-    void start();
+    /// Begins to watch. Called once. Gives the folders that cannot be watched; they leave the
+    /// others alone.
+    [[nodiscard]] QStringList start();
 
     /// Ends watching. May be called twice. Screenshots found already are still reported as long as
     /// the monitor lives.

@@ -49,7 +49,7 @@ WatchedFolder::WatchedFolder(QString path, QString heading, std::unique_ptr<Fold
     loadExistingScreenshots();
 }
 
-void WatchedFolder::start()
+bool WatchedFolder::start()
 {
     Log::line(u"📸 Starting screenshot monitoring on: "_s + m_path);
     Log::line(u"📸 Known files at start: "_s + QString::number(m_knownFiles.count()));
@@ -59,7 +59,8 @@ void WatchedFolder::start()
     switch (outcome) {
     case FolderWatcher::Start::Failed:
         Log::line(u"❌ Failed to create FSEvents stream"_s);
-        return;
+        m_watcher.reset();
+        return false;
     case FolderWatcher::Start::Idle:
         Log::line(u"📸 FSEvents stream started: false"_s);
         break;
@@ -68,6 +69,7 @@ void WatchedFolder::start()
         break;
     }
     m_isWatching = true;
+    return true;
 }
 
 void WatchedFolder::stop()

@@ -29,8 +29,9 @@ public:
     WatchedFolder(const WatchedFolder &) = delete;
     WatchedFolder &operator=(const WatchedFolder &) = delete;
 
-    /// Begins to watch. Called once. Failures are logged.
-    void start();
+    /// Begins to watch. Called once. False, with a line in the log, if the folder cannot be
+    /// watched.
+    [[nodiscard]] bool start();
 
     /// Ends watching. May be called twice.
     void stop();

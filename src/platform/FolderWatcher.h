@@ -5,8 +5,7 @@
 #include <functional>
 
 /// Tells that something happened in one folder: one batch about a second after the first event
-/// since the last batch. Main thread. Watching ends with the object. Not available: start() gives
-/// false.
+/// since the last batch. Main thread. Watching ends with the object. Not available: start() fails.
 class FolderWatcher {
 public:
     virtual ~FolderWatcher() = default;
@@ -16,7 +15,7 @@ public:
 
     /// What came of start().
     enum class Start {
-        Failed, ///< No source of events could be made.
+        Failed, ///< There is no way to watch it; the object is of no further use.
         Idle, ///< Made, but it delivers nothing yet, for instance because the folder is missing.
         Running,
     };

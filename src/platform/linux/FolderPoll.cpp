@@ -1,7 +1,11 @@
 #include "platform/linux/FolderPoll.h"
 
+#include "base/UniqueFd.h"
+
+#include <fcntl.h>
 #include <sys/stat.h>
 
+#include <cerrno>
 #include <chrono>
 #include <utility>
 
@@ -22,6 +26,12 @@ FolderState FolderState::of(const QByteArray &path)
 bool FolderState::isSameFolderAs(const FolderState &other) const
 {
     return exists == other.exists && device == other.device && inode == other.inode;
+}
+
+bool FolderPoll::isPossible(const QByteArray &path)
+{
+    const UniqueFd folder(::open(path.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    return folder.isOpen() || errno == ENOENT || errno == ENOTDIR;
 }
 
 FolderPoll::FolderPoll(const QByteArray &path,

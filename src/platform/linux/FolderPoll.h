@@ -22,10 +22,12 @@ struct FolderState {
     bool operator==(const FolderState &) const = default;
 };
 
-/// Looks once a second whether the folder at a path has changed, for file systems that do not tell.
-/// Main thread.
+/// Looks once a second whether the folder at a path has changed, where nobody tells. Main thread.
 class FolderPoll {
 public:
+    /// Whether the folder can be looked into, now or, if it is only missing, once it is there.
+    static bool isPossible(const QByteArray &path);
+
     /// onChange is given the state before and after.
     FolderPoll(const QByteArray &path,
                std::function<void(const FolderState &, const FolderState &)> onChange);

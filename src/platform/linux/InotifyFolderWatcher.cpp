@@ -1,5 +1,6 @@
 #include "platform/linux/InotifyFolderWatcher.h"
 
+#include "base/Log.h"
 #include "platform/linux/NetworkFileSystem.h"
 
 #include <QFile>
@@ -9,6 +10,7 @@
 #include <chrono>
 #include <utility>
 
+using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace {
@@ -35,8 +37,6 @@ InotifyFolderWatcher::InotifyFolderWatcher(std::shared_ptr<SharedInotify> inotif
 
 FolderWatcher::Start InotifyFolderWatcher::start(const QString &path, OnBatch onBatch)
 {
-    if (!m_inotify->isOpen())
-        return Start::Failed;
     m_path = QFile::encodeName(path);
     m_onBatch = std::move(onBatch);
     m_watches.emplace(m_inotify, m_path);
@@ -46,6 +46,9 @@ FolderWatcher::Start InotifyFolderWatcher::start(const QString &path, OnBatch on
     QObject::connect(m_inotify.get(), &SharedInotify::told, &m_batch, [this] { schedule(); });
     watchMounts();
     place();
+    if (m_watches->isOutOfWatches() && !FolderPoll::isPossible(m_path))
+        return Start::Failed;
+    tellOfPolling();
     return m_watches->hasFolder() || (m_poll && m_folder.exists) ? Start::Running : Start::Idle;
 }
 
@@ -62,6 +65,14 @@ void InotifyFolderWatcher::place()
                 m_pending.path |= !now.isSameFolderAs(before);
                 schedule();
             });
+    }
+}
+
+void InotifyFolderWatcher::tellOfPolling()
+{
+    if (m_watches->isOutOfWatches() && !std::exchange(m_hasToldOfPolling, true)) {
+        Log::line(u"⚠️ No inotify watch left for "_s + QFile::decodeName(m_path)
+                  + u": looking at it every second instead"_s);
     }
 }
 
@@ -85,8 +96,10 @@ void InotifyFolderWatcher::deliver()
     if (m_mountsChanged)
         m_mountsChanged->setEnabled(true);
     const FolderState before = m_folder;
-    if (events.path || haveMountsChanged)
+    if (events.path || haveMountsChanged) {
         place();
+        tellOfPolling();
+    }
     // Most mounts have nothing to do with the folder, even if they are on the way to it.
     events.path |= !m_folder.isSameFolderAs(before);
     // On the way to a folder that is still missing, nothing has happened for the caller.

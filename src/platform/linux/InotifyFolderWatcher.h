@@ -15,7 +15,8 @@
 #include <optional>
 
 /// FolderWatcher on inotify. A folder whose file system may be written to from elsewhere is polled
-/// as well; so is one for which the system has no watch left.
+/// as well; so is one for which the system has no instance or watch left, which one line of the log
+/// tells.
 class InotifyFolderWatcher final : public FolderWatcher {
 public:
     /// Gives watchers that share one inotify instance, which there is as long as one of them lives.
@@ -26,6 +27,7 @@ public:
 
 private:
     void place();
+    void tellOfPolling();
     void schedule();
     void deliver();
     void watchMounts();
@@ -37,6 +39,7 @@ private:
     UniqueFd m_mounts;
     std::unique_ptr<QSocketNotifier> m_mountsChanged;
     std::unique_ptr<FolderPoll> m_poll;
+    bool m_hasToldOfPolling = false;
     QTimer m_batch;
     PathWatches::Events m_pending; ///< That the instance does not tell.
     bool m_haveMountsChanged = false; ///< Anywhere.

@@ -86,6 +86,28 @@ private Q_SLOTS:
         QCOMPARE(m_state->lastUploadStatus(), u"Monitoring for screenshots..."_s);
     }
 
+    void folderThatCannotBeWatchedIsToldOf()
+    {
+        m_platform->makeFolderWatcher = [] {
+            auto watcher = std::make_unique<FakeFolderWatcher>();
+            watcher->outcome = FolderWatcher::Start::Failed;
+            return watcher;
+        };
+        makeState(validSettings());
+        CapturedOutput output;
+        m_state->startMonitoring();
+        QCOMPARE(output.lines().last(), u"❌ Failed to create FSEvents stream"_s);
+        const auto &sent = m_platform->fakeNotifications->delivered;
+        QCOMPARE(sent.size(), 1U);
+        QCOMPARE(sent[0].title, u"❌ Monitoring Failed"_s);
+        QCOMPARE(sent[0].body,
+                 u"Cannot watch for screenshots in: "_s + m_folder->filePath(u"Desktop"_s));
+        QCOMPARE(sent[0].sound, UserNotification::Sound::Critical);
+        QCOMPARE(m_state->isMonitoring(), true);
+        m_state->stopMonitoring();
+        QCOMPARE(m_state->isMonitoring(), false);
+    }
+
     void startingTwiceLogsTheSkipAndKeepsTheFirstMonitor()
     {
         makeState(validSettings());

@@ -96,7 +96,7 @@ void ChangedFolderTest::start(const QString &folder)
     m_folder =
         std::make_unique<WatchedFolder>(path(folder), QString(), std::move(watcher),
                                         [this](const QString &name) { m_found.append(name); });
-    m_folder->start();
+    QVERIFY(m_folder->start());
 }
 
 QStringList ChangedFolderTest::rescan()

@@ -57,6 +57,7 @@ private:
     QHash<QString, FolderWatcher::Start> m_outcomes; ///< By folder; else Running.
     std::vector<FakeFolderWatcher *> m_watchers; ///< In the order in which they were made.
     std::unique_ptr<ScreenshotMonitor> m_monitor;
+    QStringList m_failed; ///< The folders that could not be watched.
     QStringList m_reported;
     int m_watchersAlive = 0;
 };
@@ -120,7 +121,7 @@ void ScreenshotFoldersTest::makeMonitor()
         std::make_unique<ScreenshotMonitor>(m_folders, makeWatcher, [this](const QUrl &fileURL) {
             m_reported.append(fileURL.toLocalFile());
         });
-    m_monitor->start();
+    m_failed = m_monitor->start();
 }
 
 /// The lines of a batch of the folder's.
@@ -259,6 +260,8 @@ void ScreenshotFoldersTest::failingStartLeavesTheOthersAlone()
     makeMonitor();
     QCOMPARE(output.lines().filter(u"❌ Failed to create FSEvents stream"_s).size(), 2);
     QCOMPARE(output.lines().constLast(), u"📸 FSEvents stream started: true"_s);
+    QCOMPARE(m_failed, QStringList({path(u"Desktop"_s), path(u"Shots"_s)}));
+    QCOMPARE(m_watchersAlive, 1);
     write(u"Pictures/Screenshots/Screenshot 1.png"_s);
     batch(u"Pictures/Screenshots"_s);
     QTRY_COMPARE(m_reported, QStringList({path(u"Pictures/Screenshots/Screenshot 1.png"_s)}));

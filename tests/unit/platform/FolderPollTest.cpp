@@ -24,6 +24,7 @@ private Q_SLOTS:
     void disappearanceAndReturnAreChanges();
     void replacementIsAnotherFolder();
     void fileIsNoFolder();
+    void folderThatCannotBeOpenedIsNotPolled();
 
 private:
     using Change = std::pair<FolderState, FolderState>;
@@ -93,6 +94,15 @@ void FolderPollTest::fileIsNoFolder()
     QVERIFY(file.open(QIODevice::WriteOnly));
     QCOMPARE(FolderState::of(QFile::encodeName(file.fileName())), FolderState());
     QCOMPARE(FolderState::of(path() + "/missing"), FolderState());
+}
+
+void FolderPollTest::folderThatCannotBeOpenedIsNotPolled()
+{
+    QVERIFY(FolderPoll::isPossible(path()));
+    QVERIFY(FolderPoll::isPossible(path() + "/missing"));
+    QVERIFY(FolderPoll::isPossible(path() + "/missing/below"));
+    QVERIFY(QFile::link(u"circle"_s, m_folder->filePath(u"circle"_s)));
+    QVERIFY(!FolderPoll::isPossible(QFile::encodeName(m_folder->filePath(u"circle"_s))));
 }
 
 TESSERY_TEST_MAIN(QCoreApplication, FolderPollTest)

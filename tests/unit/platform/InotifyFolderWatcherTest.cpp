@@ -1,10 +1,12 @@
 #include "platform/linux/InotifyFolderWatcher.h"
 
+#include "support/CapturedOutput.h"
 #include "support/TestMain.h"
 
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QThread>
@@ -19,6 +21,7 @@
 #include <memory>
 #include <optional>
 #include <system_error>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -54,6 +57,25 @@ qsizetype instances()
         count += std::filesystem::read_symlink(file, gone) == "anon_inode:inotify" ? 1 : 0;
     }
     return count;
+}
+
+/// Runs the current test, with its data, where a limit of the system is zero; gives the exit status
+/// and what was printed.
+std::pair<int, QByteArray> runBeyond(const QString &limit)
+{
+    qputenv("TEST_LIMIT", limit.toUtf8());
+    QProcess child;
+    child.setProcessChannelMode(QProcess::MergedChannels);
+    child.start(u"/usr/bin/unshare"_s,
+                {u"--user"_s, u"--map-root-user"_s, u"/bin/sh"_s, u"-ec"_s,
+                 u"echo 0 >/proc/sys/user/$TEST_LIMIT; exec \"$0\" \"$1\""_s,
+                 QCoreApplication::applicationFilePath(),
+                 QLatin1String(QTest::currentTestFunction()) + u':'
+                     + QLatin1String(QTest::currentDataTag())});
+    const bool hasEnded = child.waitForFinished();
+    qunsetenv("TEST_LIMIT");
+    return {hasEnded && child.exitStatus() == QProcess::NormalExit ? child.exitCode() : -1,
+            child.readAll()};
 }
 
 /// How often the event loop has to wake up in two and a half seconds.
@@ -92,7 +114,9 @@ private Q_SLOTS:
     void folderMovedAwayIsPickedUpWhenItComesBack();
     void retargetedLinkIsFollowed();
     void overflowIsABatchForAllAndFindsTheFolderAgain();
-    void refusedInstanceIsAFailure();
+    void pollingTakesOverBeyondALimit_data();
+    void pollingTakesOverBeyondALimit();
+    void folderThatCannotEvenBePolledIsAFailure();
     void batchMayEndTheWatching();
     void quietFolderWakesNobodyUp();
     void foldersShareOneInstance();
@@ -344,17 +368,54 @@ void InotifyFolderWatcherTest::overflowIsABatchForAllAndFindsTheFolderAgain()
     QVERIFY(nextBatch());
 }
 
-void InotifyFolderWatcherTest::refusedInstanceIsAFailure()
+void InotifyFolderWatcherTest::pollingTakesOverBeyondALimit_data()
 {
-    m_watcher = m_makeWatcher();
+    QTest::addColumn<QString>("limit");
+    QTest::newRow("instances") << u"max_inotify_instances"_s;
+    QTest::newRow("watches") << u"max_inotify_watches"_s;
+}
+
+void InotifyFolderWatcherTest::pollingTakesOverBeyondALimit()
+{
+    QFETCH(QString, limit);
+    if (qEnvironmentVariable("TEST_LIMIT") != limit) {
+        const auto [status, output] = runBeyond(limit);
+        QVERIFY2(status == 0, output.constData());
+        return;
+    }
+    const CapturedOutput output;
+    QCOMPARE(start(), Start::Running);
+    QVERIFY(write(path(u"Desktop/new"_s)));
+    QVERIFY(nextBatch());
+    QVERIFY(!m_mayBeAnother);
+    QVERIFY(QDir(path(u"Desktop"_s)).removeRecursively());
+    QVERIFY(nextBatch());
+    QVERIFY(QDir(path()).mkdir(u"Desktop"_s));
+    QVERIFY(nextBatch());
+    QVERIFY(m_mayBeAnother);
+    const QString line = u"⚠️ No inotify watch left for "_s + path(u"Desktop"_s)
+        + u": looking at it every second instead";
+    QCOMPARE(output.lines(), QStringList({line}));
+    QVERIFY(QDir(path()).rmdir(u"Desktop"_s));
+    QCOMPARE(start(), Start::Idle);
+    QVERIFY(QDir(path()).mkdir(u"Desktop"_s));
+    m_expected = m_batches;
+    QVERIFY(nextBatch());
+    QCOMPARE(output.lines(), QStringList({line, line}));
+}
+
+void InotifyFolderWatcherTest::folderThatCannotEvenBePolledIsAFailure()
+{
     rlimit old = {};
     QCOMPARE(::getrlimit(RLIMIT_NOFILE, &old), 0);
     rlimit none = old;
     none.rlim_cur = 0;
     QCOMPARE(::setrlimit(RLIMIT_NOFILE, &none), 0);
-    const Start outcome = m_watcher->start(path(u"Desktop"_s), [](bool) {});
+    const CapturedOutput output;
+    const Start outcome = start();
     QCOMPARE(::setrlimit(RLIMIT_NOFILE, &old), 0);
     QCOMPARE(outcome, Start::Failed);
+    QCOMPARE(output.lines(), QStringList());
 }
 
 void InotifyFolderWatcherTest::batchMayEndTheWatching()
