@@ -1,4 +1,4 @@
-"""A watched folder that is another one all at once: mounted over, unmounted, replaced, come back."""
+"""A watched folder that is another one at once: mounted over, unmounted, replaced, come back."""
 
 import pathlib
 import time
