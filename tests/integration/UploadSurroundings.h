@@ -121,10 +121,17 @@ public:
         UploadService service(environment);
         const QUrl file = makeFile(QStringLiteral("a.png"), small());
         std::vector<QCoro::Task<QString>> tasks;
-        for (int i = 0; i < count; ++i) {
-            tasks.push_back(resultOf(service.upload(file, settings, QString::number(i))));
-            QTest::qWait(static_cast<int>(interval.count()));
-        }
+        const auto start = [&] {
+            const QString name = QString::number(tasks.size());
+            tasks.push_back(resultOf(service.upload(file, settings, name)));
+        };
+        QTimer clock;
+        clock.callOnTimeout(start);
+        clock.start(interval);
+        start();
+        while (static_cast<int>(tasks.size()) < count)
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        clock.stop();
         QStringList told;
         for (QCoro::Task<QString> &task : tasks)
             told << QCoro::waitFor(task);
