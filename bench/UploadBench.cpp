@@ -10,6 +10,7 @@
 #include "support/FakePlatform.h"
 #include "upload/CurlCommand.h"
 #include "upload/ExpectScript.h"
+#include "upload/Netrc.h"
 #include "upload/SftpCommand.h"
 #include "upload/UploadService.h"
 
@@ -85,11 +86,11 @@ public:
     {
         const TemporaryFile netrc(
             m_folder.path() + "/netrc"_L1,
-            CurlCommand::netrcContents(m_settings.hostname, m_settings.username, m_password)
-                .toUtf8());
-        const QStringList arguments =
-            CurlCommand::arguments(m_settings, m_file.path(), netrc.path(),
-                                   CurlCommand::url(m_settings, kRemoteName), m_environment.limits);
+            Netrc::contents(m_settings.hostname, m_settings.username, m_password).toUtf8());
+        const QString url = CurlCommand::url(m_settings, m_settings.hostname, kRemoteName,
+                                             CurlCommand::TlsFrom::FirstByte);
+        const QStringList arguments = CurlCommand::arguments(
+            m_settings, m_file.path(), netrc.path(), url, m_environment.limits);
         compare("upload, curl", 201, m_environment.curl, arguments);
     }
 
