@@ -3,26 +3,39 @@
 #include "support/CapturedOutput.h"
 #include "support/TestMain.h"
 
+#include <map>
 #include <memory>
 
 using namespace std::chrono_literals;
 using namespace Qt::StringLiterals;
 using TLSVersion = UploadSettings::TLSVersion;
 
-/// Uploads with curl to a server with implicit TLS and a certificate that nobody knows.
+/// Uploads with curl to two servers with a certificate that nobody knows: one talks TLS from the
+/// first byte on, the other begins in clear text, and lets nobody log in before the command AUTH
+/// TLS.
 class UploadFtpsTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { m_server = start(); }
-    void cleanupTestCase() { m_server.reset(); }
+    void initTestCase_data()
+    {
+        QTest::addColumn<bool>("isByCommand");
+        QTest::newRow("from the first byte") << false;
+        QTest::newRow("by command") << true;
+    }
+    void initTestCase()
+    {
+        for (const bool isByCommand : {false, true})
+            m_servers[isByCommand] = start(isByCommand);
+    }
+    void cleanupTestCase() { m_servers.clear(); }
 
     void init()
     {
         TestSurroundings::failOnWarnings();
         m_uploads = std::make_unique<UploadSurroundings>();
         m_uploads->settings.serverType = UploadSettings::ServerType::ftps;
-        m_uploads->use(*m_server);
+        m_uploads->use(server());
     }
     void cleanup()
     {
@@ -48,9 +61,20 @@ private Q_SLOTS:
         const QUrl file = m_uploads->makeFile(u"[a].png"_s, contents);
         const CapturedOutput output;
         QCOMPARE(m_uploads->upload(file, u"ü {b}.png"_s), QString());
-        QVERIFY(m_uploads->contentsOf(m_server->folder() + u"/ü {b}.png"_s) == contents);
+        QVERIFY(m_uploads->contentsOf(server().folder() + u"/ü {b}.png"_s) == contents);
         QVERIFY(output.bytes().contains("\n> PASS ********\r\n"));
+        QVERIFY(output.bytes().contains("\n> PROT P\r\n")); // The data are encrypted, too.
         QVERIFY(!output.bytes().contains("s3cr3t"));
+    }
+
+    void clearTextIsLearnedOnce()
+    {
+        QFETCH_GLOBAL(bool, isByCommand);
+        const CapturedOutput output;
+        for (int i = 0; i < 3; ++i)
+            QCOMPARE(m_uploads->upload(), QString());
+        QCOMPARE(output.lines().filter(u" ftps://"_s).size(), isByCommand ? 1 : 3);
+        QCOMPARE(output.lines().filter(u" ftp://"_s).size(), isByCommand ? 3 : 0);
     }
 
     void untrustedCertificateIsTold()
@@ -64,9 +88,9 @@ private Q_SLOTS:
     void trustedCertificateNeedsNoPermission()
     {
         m_uploads->settings.allowInsecureCertificates = false;
-        qputenv("CURL_CA_BUNDLE", QFile::encodeName(m_server->fact("certificate")));
+        qputenv("CURL_CA_BUNDLE", QFile::encodeName(server().fact("certificate")));
         QCOMPARE(m_uploads->upload(), QString());
-        QCOMPARE(m_uploads->contentsOf(m_server->folder() + u'/' + m_uploads->kName),
+        QCOMPARE(m_uploads->contentsOf(server().folder() + u'/' + m_uploads->kName),
                  m_uploads->small());
     }
 
@@ -76,22 +100,26 @@ private Q_SLOTS:
         QCOMPARE(m_uploads->upload(), u"Authentication failed"_s);
     }
 
-    void serverWithoutEncryptionIsTold()
+    void serverWithoutEncryptionHearsNoPassword()
     {
         const TestServer plain(u"pyftpdlib"_s);
-        m_uploads->settings.port = plain.port();
+        m_uploads->use(plain);
         const QString told = m_uploads->upload();
-        // Asked for TLS by command, it does not know that either.
         QVERIFY2(told.startsWith(u"Upload failed: FTP upload failed (exit code 64):\n"_s),
                  qPrintable(told));
+        const QByteArray heard = m_uploads->contentsOf(plain.fact("log"));
+        QVERIFY2(heard.contains("AUTH TLS"), heard.constData());
+        QVERIFY2(!heard.contains("USER") && !heard.contains("PASS"), heard.constData());
     }
 
     void plainUploadToAnEncryptingServerIsTold()
     {
         m_uploads->settings.serverType = UploadSettings::ServerType::ftp;
         m_uploads->environment.limits.curlConnect = 1s;
-        // Each side waits for the other to begin.
-        QCOMPARE(m_uploads->upload(), u"Connection timed out"_s);
+        QFETCH_GLOBAL(bool, isByCommand);
+        // In the one case the server lets nobody in, in the other each side waits for the other.
+        QCOMPARE(m_uploads->upload(),
+                 isByCommand ? u"Authentication failed"_s : u"Connection timed out"_s);
     }
 
     void folderTroubleIsTold_data()
@@ -104,7 +132,7 @@ private Q_SLOTS:
     void folderTroubleIsTold()
     {
         QFETCH(QString, fact);
-        m_uploads->settings.remotePath = m_server->fact(fact.toLatin1().constData());
+        m_uploads->settings.remotePath = server().fact(fact.toLatin1().constData());
         const QString told = m_uploads->upload();
         if (fact == u"readOnlyPath" && curlIsVersion8()) {
             // The server hangs up the second connection before it says why, and curl complains.
@@ -118,7 +146,8 @@ private Q_SLOTS:
 
     void serverThatGoesInMidTransferIsTold()
     {
-        const auto slow = start({u"--rate=200000"_s});
+        QFETCH_GLOBAL(bool, isByCommand);
+        const auto slow = start(isByCommand, {u"--rate=200000"_s});
         m_uploads->use(*slow);
         const QString told = m_uploads->uploadLarge(slow->folder(), [&slow] { slow->close(); });
         QVERIFY2(told.startsWith(u"Upload failed: "_s), qPrintable(told));
@@ -126,7 +155,8 @@ private Q_SLOTS:
 
     void quittingInMidTransferEndsIt()
     {
-        const auto slow = start({u"--rate=20000"_s});
+        QFETCH_GLOBAL(bool, isByCommand);
+        const auto slow = start(isByCommand, {u"--rate=20000"_s});
         m_uploads->use(*slow);
         std::stop_source source;
         m_uploads->environment.stop = source.get_token();
@@ -135,13 +165,21 @@ private Q_SLOTS:
     }
 
 private:
-    static std::unique_ptr<TestServer> start(const QStringList &options = {})
+    static std::unique_ptr<TestServer> start(bool isByCommand, QStringList options = {})
     {
-        return std::make_unique<TestServer>(u"proftpd-ftps"_s,
-                                            QStringList{u"--password=s3cr3t"_s} + options);
+        options << u"--password=s3cr3t"_s;
+        if (isByCommand)
+            options << u"--explicit"_s;
+        return std::make_unique<TestServer>(u"proftpd-ftps"_s, options);
     }
 
-    std::unique_ptr<TestServer> m_server;
+    const TestServer &server() const
+    {
+        QFETCH_GLOBAL(bool, isByCommand);
+        return *m_servers.at(isByCommand);
+    }
+
+    std::map<bool, std::unique_ptr<TestServer>> m_servers;
     std::unique_ptr<UploadSurroundings> m_uploads;
 };
 
