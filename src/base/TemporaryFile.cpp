@@ -6,18 +6,16 @@
 
 #include <unistd.h>
 
-// What goes with the program need not wait for the disk.
-using WholeFile::Outlives;
-
 TemporaryFile::TemporaryFile(const QString &path, const QByteArray &contents, Mode mode)
     : m_path(path), m_mode(mode)
 {
-    WholeFile::create(path, contents, static_cast<mode_t>(mode), Outlives::Program);
+    WholeFile::create(path, contents, static_cast<mode_t>(mode));
 }
 
 void TemporaryFile::replaceContents(const QByteArray &contents)
 {
-    WholeFile::replace(m_path, contents, static_cast<mode_t>(m_mode), Outlives::Program);
+    // What goes with the program need not wait for the disk.
+    WholeFile::replace(m_path, contents, static_cast<mode_t>(m_mode), WholeFile::Outlives::Program);
 }
 
 TemporaryFile::~TemporaryFile()

@@ -12,6 +12,8 @@
 #include <cerrno>
 #include <cstdio>
 
+using WholeFile::Outlives;
+
 namespace {
 
 /// The number of the error; 0 when all is written.
@@ -28,25 +30,14 @@ int writeAll(int file, const QByteArray &contents)
     return 0;
 }
 
-/// Has the disk learn which names the folder of path holds.
-void syncFolderOf(const QString &path)
-{
-    const QByteArray folder = QFile::encodeName(QFileInfo(path).path());
-    const UniqueFd names(::open(folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    // Some file systems cannot. The name stands for one of two whole files even then.
-    if (names.isOpen())
-        ::fsync(names.get());
-}
-
-} // namespace
-
-void WholeFile::create(const QString &path, const QByteArray &contents, mode_t mode,
-                       Outlives outlives)
+void createFile(const QString &path, const QByteArray &contents, mode_t mode, Outlives outlives)
 {
     const QByteArray name = QFile::encodeName(path);
     const UniqueFd file(::open(name.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode));
-    if (!file.isOpen())
-        throw SystemError::fromErrno(QLatin1String("Could not create ") + path, errno);
+    if (!file.isOpen()) {
+        const int error = errno;
+        throw SystemError::fromErrno(QLatin1String("Could not create ") + path, error);
+    }
 
     // The user's umask may have taken bits away; it cannot have added any.
     int error = ::fchmod(file.get(), mode) == 0 ? 0 : errno;
@@ -60,13 +51,30 @@ void WholeFile::create(const QString &path, const QByteArray &contents, mode_t m
     }
 }
 
+/// Has the disk learn which names the folder of path holds.
+void syncFolderOf(const QString &path)
+{
+    const QByteArray folder = QFile::encodeName(QFileInfo(path).path());
+    const UniqueFd names(::open(folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    // Some file systems cannot. The name stands for one of two whole files even then.
+    if (names.isOpen())
+        ::fsync(names.get());
+}
+
+} // namespace
+
+void WholeFile::create(const QString &path, const QByteArray &contents, mode_t mode)
+{
+    createFile(path, contents, mode, Outlives::Program);
+}
+
 void WholeFile::replace(const QString &path, const QByteArray &contents, mode_t mode,
                         Outlives outlives)
 {
     const QString replacement = path + QLatin1String(".new");
     const QByteArray name = QFile::encodeName(replacement);
     ::unlink(name.constData()); // Left behind by a run that crashed.
-    create(replacement, contents, mode, outlives);
+    createFile(replacement, contents, mode, outlives);
     if (::rename(name.constData(), QFile::encodeName(path).constData()) != 0) {
         const int error = errno;
         ::unlink(name.constData());

@@ -29,10 +29,24 @@ std::optional<OpenFolder::Identity> OpenFolder::identity() const
                     .mount = facts.stx_mnt_id};
 }
 
-bool OpenFolder::hasChangedSince(const std::string &name, const timespec &time) const
+timespec OpenFolder::now()
 {
-    struct stat facts = {};
-    return ::fstatat(::dirfd(m_folder.get()), name.c_str(), &facts, AT_SYMLINK_NOFOLLOW) == 0
-        && std::tie(facts.st_ctim.tv_sec, facts.st_ctim.tv_nsec)
-        >= std::tie(time.tv_sec, time.tv_nsec);
+    timespec time = {};
+    ::clock_gettime(CLOCK_REALTIME_COARSE, &time);
+    return time;
+}
+
+std::optional<bool> OpenFolder::isSince(const std::string &name, const timespec &time) const
+{
+    struct statx facts = {};
+    if (::statx(::dirfd(m_folder.get()), name.c_str(), AT_SYMLINK_NOFOLLOW,
+                STATX_CTIME | STATX_BTIME, &facts)
+        != 0)
+        return std::nullopt;
+    const auto isLater = [&time](const statx_timestamp &stamp) {
+        return std::make_tuple(time_t(stamp.tv_sec), long(stamp.tv_nsec))
+            >= std::tie(time.tv_sec, time.tv_nsec);
+    };
+    return isLater(facts.stx_ctime)
+        && ((facts.stx_mask & STATX_BTIME) == 0 || isLater(facts.stx_btime));
 }

@@ -35,10 +35,15 @@ public:
     /// Of an open folder. Empty if it cannot be told.
     std::optional<Identity> identity() const;
 
-    /// Whether the entry's status has changed at that time or later; a file that is made, moved or
-    /// copied into a folder changes there and then. False if that cannot be told. One look at the
+    /// Now, by the clock that files are stamped with, which may be a few milliseconds behind the
+    /// others.
+    static timespec now();
+
+    /// Whether the entry came to be at that time or later: its status has changed since, and it was
+    /// made since, where the file system knows when. Other permissions, another owner or a further
+    /// link change the status of an old file, too. Empty if that cannot be told. One look at the
     /// file.
-    bool hasChangedSince(const std::string &name, const timespec &time) const;
+    std::optional<bool> isSince(const std::string &name, const timespec &time) const;
 
     /// Calls visit(std::string_view) with the name of each entry of an open folder (its bytes as
     /// they are, in the folder's own order, without "." and ".."). False if the folder could not be

@@ -2,6 +2,7 @@
 
 #include "base/Log.h"
 #include "base/LoggedName.h"
+#include "monitor/OpenFolder.h"
 #include "monitor/WatchedFolder.h"
 #include "platform/FolderWatcher.h"
 #include "platform/StandardFolders.h"
@@ -81,11 +82,13 @@ ScreenshotMonitor::ScreenshotMonitor(const StandardFolders &folders,
                                      const WatcherFactory &makeWatcher, Callback callback)
     : m_callback(std::make_shared<const Callback>(std::move(callback)))
 {
-    const auto watch = [this, &makeWatcher](const QString &path, const QString &heading) {
+    const timespec start = OpenFolder::now();
+    const auto watch = [this, &makeWatcher, &start](const QString &path, const QString &heading) {
         const auto found = [this, path](const QString &name) {
             reportLater(path, name);
         };
-        m_folders.push_back(std::make_unique<WatchedFolder>(path, heading, makeWatcher(), found));
+        m_folders.push_back(
+            std::make_unique<WatchedFolder>(path, heading, makeWatcher(), found, start));
     };
     const QString desktop = chooseDesktop(folders);
     watch(desktop, {});

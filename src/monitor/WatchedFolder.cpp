@@ -38,14 +38,13 @@ struct WatchedFolder::Listing {
 };
 
 WatchedFolder::WatchedFolder(QString path, QString heading, std::unique_ptr<FolderWatcher> watcher,
-                             Found found)
+                             Found found, const timespec &start)
     : m_path(std::move(path))
     , m_heading(std::move(heading))
     , m_watcher(std::move(watcher))
     , m_found(std::move(found))
+    , m_start(start)
 {
-    // Files are stamped by the coarse clock, which may be a few milliseconds behind the other.
-    ::clock_gettime(CLOCK_REALTIME_COARSE, &m_start);
     loadExistingScreenshots();
 }
 
@@ -126,9 +125,12 @@ WatchedFolder::Listing WatchedFolder::list(Occasion occasion)
         return listing;
     const auto identity = folder.identity();
     const bool isSame = identity && identity == before;
-    const auto isOld = [&](std::string_view name) {
-        return occasion == Occasion::Start
-            || !(isSame || folder.hasChangedSince(std::string(name), m_start));
+    bool areAllTold = true;
+    // Empty if that cannot be told.
+    const auto isNew = [&](std::string_view name) -> std::optional<bool> {
+        if (occasion == Occasion::Start || isSame)
+            return occasion != Occasion::Start;
+        return folder.isSince(std::string(name), m_start);
     };
     m_knownFiles.beginPass();
     const auto visit = [&](std::string_view name) {
@@ -144,8 +146,10 @@ WatchedFolder::Listing WatchedFolder::list(Occasion occasion)
         case ScreenshotName::Kind::Screenshot:
             if (m_knownFiles.contains(name))
                 break;
-            if (isOld(name)) {
-                listing.old.emplace_back(name);
+            if (const auto answer = isNew(name); !answer.value_or(false)) {
+                areAllTold &= answer.has_value();
+                if (answer)
+                    listing.old.emplace_back(name);
                 break;
             }
             listing.lines += "✅ New screenshot detected: " + LoggedName::of(name) + '\n';
@@ -160,7 +164,8 @@ WatchedFolder::Listing WatchedFolder::list(Occasion occasion)
         }
     };
     listing.isComplete = folder.visit(visit);
-    if (listing.isComplete)
+    // What could not be looked up is looked up again with the next events.
+    if (listing.isComplete && areAllTold)
         m_folder = identity;
     return listing;
 }

@@ -23,9 +23,9 @@ public:
 
     /// Notes the screenshots in the folder at path; does not watch yet. heading, unless empty, is
     /// logged whenever something happened in the folder, to tell it from others. Without a watcher,
-    /// starting fails.
+    /// starting fails. start is when monitoring began, by OpenFolder::now().
     WatchedFolder(QString path, QString heading, std::unique_ptr<FolderWatcher> watcher,
-                  Found found);
+                  Found found, const timespec &start);
     WatchedFolder(const WatchedFolder &) = delete;
     WatchedFolder &operator=(const WatchedFolder &) = delete;
 
@@ -53,7 +53,7 @@ private:
     std::unique_ptr<FolderWatcher> m_watcher;
     bool m_isWatching = false;
     Found m_found;
-    timespec m_start = {}; ///< By the clock that files are stamped with.
+    timespec m_start = {};
     /// That was gone through last; empty if that failed, or if it may be another by now.
     std::optional<OpenFolder::Identity> m_folder;
     KnownFiles m_knownFiles;

@@ -27,8 +27,9 @@ QStringList SftpCommand::arguments(const UploadSettings &settings, const QString
 
 bool SftpCommand::areKeysRefused(const ProcessOutcome &outcome)
 {
+    constexpr int kLoginFailed = 255; // Ssh's. After the login a folder may be closed, too.
     // Offered more keys than it allows, the server breaks off before it has refused the last.
-    return outcome.status != 0
+    return outcome.status == kLoginFailed
         && (outcome.standardError.contains("Permission denied")
             || outcome.standardError.contains("Too many authentication failures"));
 }

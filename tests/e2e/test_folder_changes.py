@@ -118,6 +118,36 @@ class MountTest(FolderChangesCase):
         self.assertEqual(self.called_back(program), [
             "Screenshot one.png", "Screenshot below.png", "Screenshot two.png"])
 
+    def test_old_screenshots_whose_status_changed_are_left_alone(self):
+        program = self.start_inside()
+        for entry in self.other.iterdir():
+            entry.chmod(0o600)
+            (self.other / "Screenshot with another name.png").hardlink_to(entry)
+        self.mounts.bind(self.other, self.folder)
+        self.wait_for_rescan(program, 1)
+        self.put(self.other, "Screenshot new.png")
+        self.wait_for_upload("Screenshot new.png")
+        self.assertEqual(self.called_back(program), ["Screenshot new.png"])
+
+    def test_mounted_folder_that_may_be_read_later_is_watched(self):
+        program = self.start_inside()
+        self.other.chmod(0)
+        self.mounts.bind(self.other, self.folder)
+        program.wait_for_line("❌ Could not read directory contents")
+        self.other.chmod(0o700)
+        self.put(self.other, "Screenshot new.png")
+        self.wait_for_upload("Screenshot new.png")
+        self.assertEqual(self.called_back(program), ["Screenshot new.png"])
+
+    def test_screenshot_that_cannot_be_looked_at_yet_is_not_lost(self):
+        program = self.start_inside()
+        self.put(self.other, "Screenshot new.png")
+        self.other.chmod(0o600)
+        self.mounts.bind(self.other, self.folder)
+        program.wait_for_line("📸 Found 2 files in directory")
+        self.other.chmod(0o700)
+        self.wait_for_upload("Screenshot new.png")
+        self.assertEqual(self.called_back(program), ["Screenshot new.png"])
 
     def test_mount_elsewhere_is_no_reason_to_look(self):
         program = self.start_inside()

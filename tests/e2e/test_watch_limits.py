@@ -1,5 +1,6 @@
 """A system that lets a person have only so many watches on folders."""
 
+import os
 import unittest
 
 from rig.private_mounts import PrivateMounts
@@ -67,6 +68,15 @@ class WatchLimitsTest(UploadCase):
         self.wait_for_upload("Screenshot two.png", 2)
         self.assertEqual(self.warnings(program), [self.warning()])
         self.assertEqual(sorted(self.on_server()), ["Screenshot one.png", "Screenshot two.png"])
+
+    def test_screenshot_is_found_though_the_folder_says_nothing_of_it(self):
+        self.mounts.limit(WATCHES, 0)
+        self.start_monitoring(mounts=self.mounts)
+        before = self.folder.stat()
+        self.drop("Screenshot one.png")
+        # As those do that keep the times of what they copy.
+        os.utime(self.folder, ns=(before.st_atime_ns, before.st_mtime_ns))
+        self.wait_for_upload("Screenshot one.png")
 
     def test_folder_that_cannot_be_looked_at_either_is_told_of(self):
         self.folder.chmod(0)

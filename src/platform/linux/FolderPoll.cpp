@@ -16,11 +16,14 @@ FolderState FolderState::of(const QByteArray &path)
     struct stat status = {};
     if (::stat(path.constData(), &status) != 0 || !S_ISDIR(status.st_mode))
         return {};
-    constexpr std::int64_t kNanosecondsPerSecond = 1'000'000'000;
+    const auto nanoseconds = [](const timespec &time) {
+        return time.tv_sec * std::int64_t(1'000'000'000) + time.tv_nsec;
+    };
     return {.exists = true,
             .device = status.st_dev,
             .inode = status.st_ino,
-            .modified = status.st_mtim.tv_sec * kNanosecondsPerSecond + status.st_mtim.tv_nsec};
+            .modified = nanoseconds(status.st_mtim),
+            .changed = nanoseconds(status.st_ctim)};
 }
 
 bool FolderState::isSameFolderAs(const FolderState &other) const

@@ -8,13 +8,15 @@
 #include <cstdint>
 #include <functional>
 
-/// Which folder a path leads to, and when its list of entries changed last.
+/// Which folder a path leads to, and when its list of entries and its permissions changed last.
 struct FolderState {
     bool exists = false;
     dev_t device = 0;
     ino_t inode = 0;
-    /// Nanoseconds since 1970.
+    /// Nanoseconds since 1970. Some file systems keep only the first; the second cannot be set
+    /// back.
     std::int64_t modified = 0;
+    std::int64_t changed = 0;
 
     static FolderState of(const QByteArray &path);
 

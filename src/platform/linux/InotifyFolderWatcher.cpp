@@ -56,13 +56,15 @@ void InotifyFolderWatcher::place()
 {
     m_watches->place();
     m_folder = FolderState::of(m_path);
-    if (!m_watches->isOutOfWatches() && !NetworkFileSystem::holds(m_watches->lastFolder())) {
+    if (!m_watches->isOutOfWatches() && !m_watches->isClosed()
+        && !NetworkFileSystem::holds(m_watches->lastFolder())) {
         m_poll.reset();
     } else if (!m_poll) {
         m_poll = std::make_unique<FolderPoll>(
             m_path, [this](const FolderState &before, const FolderState &now) {
                 m_pending.folder = true;
-                m_pending.path |= !now.isSameFolderAs(before);
+                // It may have been opened, too.
+                m_pending.path |= !now.isSameFolderAs(before) || m_watches->isClosed();
                 schedule();
             });
     }

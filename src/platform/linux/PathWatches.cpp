@@ -85,6 +85,7 @@ void PathWatches::place()
 void PathWatches::follow()
 {
     m_isOutOfWatches = false;
+    m_isClosed = false;
     QList<QByteArray> rest = parts(m_path);
     QByteArray folder = "/";
     QByteArray parent = folder;
@@ -98,10 +99,11 @@ void PathWatches::follow()
         const QByteArray next = childOf(folder, name);
         struct stat status = {};
         const bool exists = ::lstat(next.constData(), &status) == 0;
+        m_isClosed = !exists && errno == EACCES;
         const bool isLink = exists && S_ISLNK(status.st_mode);
         if (!exists || !(isLink || S_ISDIR(status.st_mode)) || (isLink && ++links > kMostLinks)) {
             m_lastFolder = folder;
-            add(folder, kArrives, Role::Entry, name);
+            m_isClosed |= add(folder, kArrives, Role::Entry, name) == Added::NotPossible;
             return;
         }
         if (isLink) {
@@ -119,7 +121,8 @@ void PathWatches::follow()
     }
     m_lastFolder = folder;
     add(parent, kReplaced, Role::Entry, name);
-    if (add(folder, kContents, Role::Contents) == Added::NotPossible)
+    m_isClosed = add(folder, kContents, Role::Contents) == Added::NotPossible;
+    if (m_isClosed)
         add(parent, kArrives, Role::Entry, name);
 }
 

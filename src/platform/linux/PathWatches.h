@@ -27,6 +27,8 @@ public:
     bool hasFolder() const;
     /// The system had no watch left for a part of the path.
     bool isOutOfWatches() const { return m_isOutOfWatches; }
+    /// The folder, or one on the way to it, may not be looked into: nothing tells when that ends.
+    bool isClosed() const { return m_isClosed; }
     /// The last folder on the path that exists: the folder itself if that does.
     const QByteArray &lastFolder() const { return m_lastFolder; }
 
@@ -73,5 +75,6 @@ private:
     std::shared_ptr<SharedInotify> m_inotify;
     std::vector<Watch> m_watches;
     bool m_isOutOfWatches = false;
+    bool m_isClosed = false;
     Events m_events;
 };

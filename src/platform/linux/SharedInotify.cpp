@@ -58,9 +58,16 @@ bool SharedInotify::narrow(int watch, const QByteArray &path)
     // The system knows a watch's folder by its path only.
     const int changed =
         ::inotify_add_watch(descriptor(), path.constData(), events | IN_DONT_FOLLOW);
-    if (changed >= 0)
-        m_watches[changed] = events;
-    return changed == watch;
+    if (changed < 0)
+        return false;
+    m_watches[changed] = events;
+    if (changed == watch)
+        return true;
+    // Something else is there by now. Whoever watches that still wants what they did.
+    if (const std::uint32_t others = wanted(changed); others != 0)
+        this->watch(path, others);
+    release(changed);
+    return false;
 }
 
 void SharedInotify::release(int watch)

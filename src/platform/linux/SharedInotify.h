@@ -44,7 +44,7 @@ public:
     /// Readable when there is something to read().
     int descriptor() const { return m_inotify.get(); }
 
-    /// Tells user from now on, until remove().
+    /// Tells user from now on, until removeUser().
     void addUser(User *user);
     void removeUser(User *user);
 

@@ -40,6 +40,8 @@ private Q_SLOTS:
     void oldScreenshotsOfAReplacementStayKnown();
     void newScreenshotInAReplacementIsFound();
     void screenshotMovedIntoAReplacementIsFound();
+    void oldFileWhoseStatusChangesStaysOld();
+    void folderThatMayBeAnotherIsLookedAt();
     void folderThatAppearsBringsNoOldScreenshots();
     void whatAFileSaysOfItsAgeDoesNotCount();
     void knownScreenshotsOfTheFirstFolderStayKnown();
@@ -51,10 +53,11 @@ private:
     void make(const QString &folder) const { QVERIFY(QDir(m_base->path()).mkpath(folder)); }
     void move(const QString &from, const QString &to) const;
     void write(const QString &name) const;
-    /// Watches the folder, once everything that there is is old.
-    void start(const QString &folder = u"Desktop"_s);
+    /// Watches the folder, once everything that there is is old; begin is when monitoring began, if
+    /// not now.
+    void start(const QString &folder = u"Desktop"_s, const std::optional<timespec> &begin = {});
     /// What a rescan finds.
-    QStringList rescan();
+    QStringList rescan(bool mayBeAnother = false);
 
     std::optional<QTemporaryDir> m_base;
     FakeFolderWatcher *m_watcher = nullptr;
@@ -86,23 +89,23 @@ void ChangedFolderTest::write(const QString &name) const
     QVERIFY(file.open(QIODevice::WriteOnly));
 }
 
-void ChangedFolderTest::start(const QString &folder)
+void ChangedFolderTest::start(const QString &folder, const std::optional<timespec> &begin)
 {
     // Files are stamped by a clock that goes in steps.
     const qint64 now = read(CLOCK_REALTIME);
     QVERIFY(QTest::qWaitFor([now] { return read(CLOCK_REALTIME_COARSE) > now; }));
     auto watcher = std::make_unique<FakeFolderWatcher>();
     m_watcher = watcher.get();
-    m_folder =
-        std::make_unique<WatchedFolder>(path(folder), QString(), std::move(watcher),
-                                        [this](const QString &name) { m_found.append(name); });
+    m_folder = std::make_unique<WatchedFolder>(
+        path(folder), QString(), std::move(watcher),
+        [this](const QString &name) { m_found.append(name); }, begin.value_or(OpenFolder::now()));
     QVERIFY(m_folder->start());
 }
 
-QStringList ChangedFolderTest::rescan()
+QStringList ChangedFolderTest::rescan(bool mayBeAnother)
 {
     m_found.clear();
-    m_watcher->deliverBatch();
+    m_watcher->deliverBatch(mayBeAnother);
     m_found.sort();
     return m_found;
 }
@@ -143,12 +146,37 @@ void ChangedFolderTest::screenshotMovedIntoAReplacementIsFound()
 {
     make(u"Desktop"_s);
     make(u"other"_s);
-    write(u"partial"_s);
     start();
+    write(u"partial"_s);
     move(u"Desktop"_s, u"away"_s);
     move(u"other"_s, u"Desktop"_s);
     move(u"partial"_s, u"Desktop/Screenshot.png"_s);
     QCOMPARE(rescan(), QStringList({u"Screenshot.png"_s}));
+}
+
+void ChangedFolderTest::oldFileWhoseStatusChangesStaysOld()
+{
+    make(u"Desktop"_s);
+    make(u"other"_s);
+    write(u"other/Screenshot old.png"_s);
+    start();
+    QVERIFY(QFile(path(u"other/Screenshot old.png"_s)).setPermissions(QFile::ReadOwner));
+    move(u"Desktop"_s, u"away"_s);
+    move(u"other"_s, u"Desktop"_s);
+    QCOMPARE(rescan(), QStringList());
+}
+
+void ChangedFolderTest::folderThatMayBeAnotherIsLookedAt()
+{
+    make(u"Desktop"_s);
+    // As if all that is made here were from before the start.
+    start(u"Desktop"_s, timespec{.tv_sec = ::time(nullptr) + 3600, .tv_nsec = 0});
+    write(u"Desktop/Screenshot 1.png"_s);
+    QCOMPARE(rescan(), QStringList({u"Screenshot 1.png"_s}));
+    write(u"Desktop/Screenshot 2.png"_s);
+    QCOMPARE(rescan(true), QStringList());
+    write(u"Desktop/Screenshot 3.png"_s);
+    QCOMPARE(rescan(), QStringList({u"Screenshot 3.png"_s}));
 }
 
 void ChangedFolderTest::folderThatAppearsBringsNoOldScreenshots()

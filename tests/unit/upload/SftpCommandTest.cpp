@@ -106,6 +106,8 @@ private Q_SLOTS:
                                                 "many authentication failures")
                                   << 255 << true;
         QTest::newRow("accepted") << QByteArray("banner: Permission denied\n") << 0 << false;
+        QTest::newRow("closed folder")
+            << QByteArray("dest open \"/x/a.png\": Permission denied") << 1 << false;
         QTest::newRow("unreachable") << QByteArray("Connection closed") << 255 << false;
         QTest::newRow("silence") << QByteArray() << 1 << false;
     }
