@@ -59,7 +59,6 @@ private:
     std::unique_ptr<ScreenshotMonitor> m_monitor;
     QStringList m_failed; ///< The folders that could not be watched.
     QStringList m_reported;
-    int m_watchersAlive = 0;
 };
 
 void ScreenshotFoldersTest::init()
@@ -81,7 +80,7 @@ void ScreenshotFoldersTest::init()
 void ScreenshotFoldersTest::cleanup()
 {
     m_monitor.reset();
-    QCOMPARE(m_watchersAlive, 0);
+    QCOMPARE(m_watchers.size(), 0U);
     // What is still to be reported would be logged in the next test.
     const auto count = [this](const QString &start) {
         return m_output->lines().filter(QRegularExpression(u'^' + start)).size();
@@ -98,11 +97,14 @@ void ScreenshotFoldersTest::write(const QString &name) const
 
 void ScreenshotFoldersTest::makeMonitor()
 {
-    /// Counts itself.
+    /// Is known to the test as long as it lives.
     class Watcher final : public FakeFolderWatcher {
     public:
-        explicit Watcher(ScreenshotFoldersTest &test) : m_test(test) { ++m_test.m_watchersAlive; }
-        ~Watcher() override { --m_test.m_watchersAlive; }
+        explicit Watcher(ScreenshotFoldersTest &test) : m_test(test)
+        {
+            m_test.m_watchers.push_back(this);
+        }
+        ~Watcher() override { std::erase(m_test.m_watchers, this); }
         Start start(const QString &path, OnBatch onBatch) override
         {
             outcome = m_test.m_outcomes.value(path, Start::Running);
@@ -113,9 +115,7 @@ void ScreenshotFoldersTest::makeMonitor()
         ScreenshotFoldersTest &m_test;
     };
     const auto makeWatcher = [this] {
-        auto watcher = std::make_unique<Watcher>(*this);
-        m_watchers.push_back(watcher.get());
-        return watcher;
+        return std::make_unique<Watcher>(*this);
     };
     m_monitor =
         std::make_unique<ScreenshotMonitor>(m_folders, makeWatcher, [this](const QUrl &fileURL) {
@@ -261,7 +261,7 @@ void ScreenshotFoldersTest::failingStartLeavesTheOthersAlone()
     QCOMPARE(output.lines().filter(u"❌ Failed to create FSEvents stream"_s).size(), 2);
     QCOMPARE(output.lines().constLast(), u"📸 FSEvents stream started: true"_s);
     QCOMPARE(m_failed, QStringList({path(u"Desktop"_s), path(u"Shots"_s)}));
-    QCOMPARE(m_watchersAlive, 1);
+    QCOMPARE(m_watchers.size(), 1U);
     write(u"Pictures/Screenshots/Screenshot 1.png"_s);
     batch(u"Pictures/Screenshots"_s);
     QTRY_COMPARE(m_reported, QStringList({path(u"Pictures/Screenshots/Screenshot 1.png"_s)}));
@@ -288,9 +288,9 @@ void ScreenshotFoldersTest::folderThatVanishesComesBack()
 void ScreenshotFoldersTest::stopEndsAll()
 {
     makeMonitor();
-    QCOMPARE(m_watchersAlive, 3);
+    QCOMPARE(m_watchers.size(), 3U);
     m_monitor->stop();
-    QCOMPARE(m_watchersAlive, 0);
+    QCOMPARE(m_watchers.size(), 0U);
     m_monitor->stop();
 }
 
