@@ -110,6 +110,9 @@ QStringList CurlCommand::arguments(const UploadSettings &settings, const QString
     QStringList arguments;
     if (settings.serverType == UploadSettings::ServerType::ftps)
         arguments << tlsArguments(settings);
+    // What begins in clear text would be handed to an HTTP proxy whole, the password included.
+    if (settings.serverType == UploadSettings::ServerType::ftps && url.startsWith("ftp://"_L1))
+        arguments << u"--proxytunnel"_s;
     if (settings.usePassiveMode)
         arguments << u"--ftp-pasv"_s;
     arguments << u"-T"_s << escapedForGlobbing(filePath) << u"--netrc-file"_s << netrcPath

@@ -17,6 +17,15 @@ bool isAscii(const QString &text)
     return std::ranges::all_of(text, [](QChar character) { return character < QChar(0x80); });
 }
 
+/// Whether text can be the name of a host or of a zone.
+bool isName(const QString &text)
+{
+    return !text.isEmpty() && std::ranges::all_of(text, [](QChar character) {
+        return character < QChar(0x80)
+            && (character.isLetterOrNumber() || u"._-"_s.contains(character));
+    });
+}
+
 /// An IPv6 address as the system writes it, which is also how curl does; empty if address is none.
 QString canonicalIpv6(const QString &address)
 {
@@ -40,6 +49,8 @@ std::optional<CurlHost> ipv6(const QString &host)
         if (zone.startsWith("25"_L1) && zone.size() > 2)
             zone.remove(0, 2);
         address.truncate(percent);
+        if (!isName(zone))
+            return std::nullopt;
     }
     const QString canonical = canonicalIpv6(address);
     if (canonical.isEmpty())
@@ -69,10 +80,8 @@ std::optional<CurlHost> CurlHost::of(const QString &host)
         return address;
     if (const QString address = canonicalIpv4(host); !address.isEmpty())
         return CurlHost{host, address};
-    if (isAscii(host))
-        return CurlHost{host, host};
-    const QString name = QString::fromLatin1(QUrl::toAce(host));
-    if (name.isEmpty())
+    const QString name = isAscii(host) ? host : QString::fromLatin1(QUrl::toAce(host));
+    if (!isName(name))
         return std::nullopt;
     return CurlHost{name, name};
 }

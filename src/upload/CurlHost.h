@@ -11,8 +11,8 @@ struct CurlHost {
     QString inUrl;
     QString inNetrc;
 
-    /// host is a cleaned one. Absent if it has letters beyond ASCII and is no valid name all the
-    /// same.
+    /// host is a cleaned one. Absent if it can be no host: other characters would begin another
+    /// part of the URL.
     static std::optional<CurlHost> of(const QString &host);
 
     bool operator==(const CurlHost &) const = default;

@@ -72,7 +72,7 @@ QStringList errorLines(const QString &standardError)
 /// The last line in which an HTTP proxy tells how it went; empty if there is none.
 QString lastHttpStatus(const QString &standardError)
 {
-    static const QRegularExpression status = messages("< (HTTP/[\\d.]+ \\d{3}[^\r\n]*)"_L1);
+    static const QRegularExpression status = messages("< (HTTP/[^\r\n]*)"_L1);
     QString last;
     for (auto found = status.globalMatch(standardError); found.hasNext();)
         last = found.next().captured(1);
@@ -85,11 +85,13 @@ CurlReport::CurlReport(const ProcessOutcome &outcome)
     : CurlReport(ToolText::decoded(outcome.standardOutput).value_or(QString()),
                  ToolText::decoded(outcome.standardError).value_or(QString()), outcome.status)
 {
+    m_facts = outcome.standardError;
 }
 
 CurlReport::CurlReport(const QString &standardOutput, const QString &standardError, int status)
     : m_standardOutput(withoutSentCredentials(standardOutput))
     , m_standardError(withoutSentCredentials(standardError))
+    , m_facts(standardError.toUtf8())
     , m_status(status)
 {
 }
@@ -152,18 +154,22 @@ std::optional<CurlReport::Failure> CurlReport::failureByWords(const QString &hos
 /// What curl itself calls a success, but is none.
 std::optional<CurlReport::Failure> CurlReport::failureOfSuccess(const QString &username) const
 {
+    // Byte for byte, whatever else there is that is no UTF-8.
+    const QString facts = QString::fromLatin1(m_facts);
     static const QRegularExpression login = messages("> USER ([^\r\n]*)"_L1);
-    for (auto found = login.globalMatch(m_standardError); found.hasNext();) {
-        if (const QRegularExpressionMatch match = found.next(); match.captured(1) != username) {
-            return Failure{UploadError::uploadFailed(u"curl has logged in as '"_s
-                                                     + match.captured(1) + u"'"_s),
-                           u"USER "_s + match.captured(1)};
+    for (auto found = login.globalMatch(facts); found.hasNext();) {
+        const QByteArray user = found.next().captured(1).toLatin1();
+        if (user != username.toUtf8()) {
+            const QString name = QString::fromUtf8(user);
+            return Failure{UploadError::uploadFailed(u"curl has logged in as '"_s + name + u'\''),
+                           u"USER "_s + name};
         }
     }
-    const QString httpStatus = lastHttpStatus(m_standardError);
-    if (httpStatus.section(u' ', 1, 1).toInt() >= 400) {
-        return Failure{UploadError::uploadFailed(u"The proxy answered: "_s + httpStatus),
-                       httpStatus};
+    static const QRegularExpression taken(u"^HTTP/[\\d.]+ +2\\d\\d(?!\\w)"_s);
+    const QString httpStatus = lastHttpStatus(facts);
+    if (!httpStatus.isEmpty() && !taken.match(httpStatus).hasMatch()) {
+        const QString words = QString::fromUtf8(httpStatus.toLatin1());
+        return Failure{UploadError::uploadFailed(u"The proxy answered: "_s + words), words};
     }
     return std::nullopt;
 }
@@ -171,12 +177,13 @@ std::optional<CurlReport::Failure> CurlReport::failureOfSuccess(const QString &u
 bool CurlReport::hasServerSpoken() const
 {
     static const QRegularExpression words = messages("< \\d"_L1);
-    return words.match(m_standardError).hasMatch();
+    return words.match(QString::fromLatin1(m_facts)).hasMatch();
 }
 
 bool CurlReport::isServerInClearText() const
 {
     // A server that does talk TLS, but not as asked, has at least sent an alert.
     static const QRegularExpression tls = messages("\\* .*\\(IN\\), TLS"_L1);
-    return m_status == kNoTls && !hasServerSpoken() && !tls.match(m_standardError).hasMatch();
+    return m_status == kNoTls && !hasServerSpoken()
+        && !tls.match(QString::fromLatin1(m_facts)).hasMatch();
 }

@@ -3,6 +3,7 @@
 #include "base/ChildProcess.h"
 #include "upload/UploadError.h"
 
+#include <QByteArray>
 #include <QString>
 
 #include <optional>
@@ -42,5 +43,6 @@ private:
 
     QString m_standardOutput;
     QString m_standardError;
+    QByteArray m_facts; ///< All of standard error, for what must not depend on its encoding.
     int m_status = 0; ///< The exit code, or the number of the signal that ended it.
 };

@@ -49,11 +49,28 @@ std::optional<UploadError> refusalOfOption(const Word &word)
     return std::nullopt;
 }
 
-/// A name that leads elsewhere: to the folder, or to the folder above it.
+/// A name that leads elsewhere than the address does: to a folder, to the one above, or to the
+/// root.
 std::optional<UploadError> refusalOfRemoteName(const Word &name)
 {
-    if (name.text.isEmpty() || name.text == "."_L1 || name.text == ".."_L1)
+    const QStringList parts = name.text.split(u'/');
+    if (parts.first().isEmpty() || parts.last().isEmpty() || parts.contains("."_L1)
+        || parts.contains(".."_L1))
         return refused(name, u"is no name for a file"_s);
+    return std::nullopt;
+}
+
+/// Sftp takes what follows a colon for a file to fetch, and what precedes it for the host.
+std::optional<UploadError> refusalOfDestination(const Word &user, const Word &host)
+{
+    if (user.text.contains(u':'))
+        return refused(user, u"holds a colon, which sftp cannot be told"_s);
+    const bool isBracketed = host.text.startsWith(u'[') && host.text.endsWith(u']');
+    if (!isBracketed && host.text.contains(u':'))
+        return refused(host, u"holds a colon, which sftp is told between brackets only"_s);
+    const QString name = isBracketed ? host.text.sliced(1).chopped(1) : host.text;
+    if (std::ranges::any_of(name, [](QChar character) { return u"/@[]"_s.contains(character); }))
+        return refused(host, u"is no valid host name"_s);
     return std::nullopt;
 }
 
@@ -83,10 +100,14 @@ std::optional<UploadError> refusalOfFile(const Word &file)
     return refused(file, S_ISDIR(status.st_mode) ? u"is a folder"_s : u"is no regular file"_s);
 }
 
-std::optional<UploadError> refusalByCurl(const Word &host)
+std::optional<UploadError> refusalByCurl(const Word &host, const Word &path)
 {
     if (!CurlHost::of(host.text))
         return refused(host, u"is no valid host name"_s);
+    // Without a slash it follows the port in the URL, and could make another port or host of it.
+    const QString first = path.text.section(u'/', 0, 0);
+    if (!first.isEmpty() && (first.front().isDigit() || first.contains(u'@')))
+        return refused(path, u"must begin with a slash"_s);
     return std::nullopt;
 }
 
@@ -115,7 +136,11 @@ std::optional<UploadError> UploadRefusal::of(const UploadSettings &settings,
     }
     if (auto refusal = refusalOfRemoteName(remoteName))
         return refusal;
-    if (auto refusal = isSftp ? refusalBySftp(file, remoteName) : refusalByCurl(host))
+    if (isSftp) {
+        if (auto refusal = refusalOfDestination(user, host))
+            return refusal;
+    }
+    if (auto refusal = isSftp ? refusalBySftp(file, remoteName) : refusalByCurl(host, path))
         return refusal;
     return refusalOfFile(file);
 }

@@ -40,16 +40,15 @@ UploadService::UploadService(Environment environment) : m_environment(std::move(
 
 QCoro::Task<> UploadService::upload(QUrl fileURL, UploadSettings settings, QString remoteFileName)
 {
-    const QString filePath = localPathOf(fileURL);
-    throwIf(UploadRefusal::of(settings, filePath, remoteFileName));
     const QString password = KeychainHelper::loadPassword().value_or(QString());
-    const Upload upload{.filePath = filePath,
+    const Upload upload{.filePath = localPathOf(fileURL),
                         .remoteFileName = remoteFileName,
                         .settings = settings,
                         .password = password,
                         .mask = SecretMask(settings.username, password)};
     std::optional<UploadError> failure;
     try {
+        throwIf(UploadRefusal::of(settings, upload.filePath, remoteFileName));
         switch (settings.serverType) {
         case UploadSettings::ServerType::sftp:
             co_await uploadSFTP(upload);

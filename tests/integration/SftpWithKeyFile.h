@@ -20,7 +20,7 @@ public:
         if (!script.open(QIODevice::WriteOnly) || script.write(text.toUtf8()) < 0
             || !script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner))
             throw std::runtime_error("no stand-in for sftp");
-        qputenv("PATH", QFile::encodeName(m_folder.path()) + ':' + m_searchPath);
+        qputenv("PATH", QByteArray(QFile::encodeName(m_folder.path()) + ':' + m_searchPath));
     }
     ~SftpWithKeyFile() { qputenv("PATH", m_searchPath); }
     SftpWithKeyFile(const SftpWithKeyFile &) = delete;

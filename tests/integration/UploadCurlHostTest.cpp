@@ -77,7 +77,7 @@ private Q_SLOTS:
         const TestServer server(u"pyftpdlib"_s, {u"--user=anonymous"_s, u"--password=ftp@x"_s});
         m_uploads->use(server);
         m_uploads->settings.username = u"me"_s;
-        m_uploads->settings.hostname = u"anonymous:ftp%40x@"_s + server.fact("host");
+        m_uploads->configureCurl(u"user = \"anonymous:ftp@x\"\n"_s);
         const CapturedOutput output;
         QCOMPARE(m_uploads->upload(), u"Upload failed: curl has logged in as 'anonymous'"_s);
         QCOMPARE(

@@ -64,9 +64,14 @@ public:
 
     /// Has curl take ports without the digits 530 on its own side, which version 8 tells of a
     /// connection that is refused.
-    static void chooseClientPorts()
+    static void chooseClientPorts() { configureCurl(QStringLiteral("local-port = 61600-62499\n")); }
+
+    /// Adds a line to curl's settings.
+    static void configureCurl(const QString &line, QFile::OpenModeFlag mode = QFile::Append)
     {
-        configureCurl(QStringLiteral("local-port = 61600-62499\n"), QFile::Append);
+        QFile settings(QDir::homePath() + QStringLiteral("/.curlrc"));
+        if (!settings.open(QIODevice::WriteOnly | mode) || settings.write(line.toUtf8()) < 0)
+            qFatal("no settings for curl");
     }
 
     /// What curl takes a host's name for: tried in this order, version 6 in brackets.
@@ -74,8 +79,7 @@ public:
     {
         chooseClientPorts();
         configureCurl(QStringLiteral("resolve = \"%1:%2:%3\"\n")
-                          .arg(name, QString::number(port), addresses.join(u',')),
-                      QFile::Append);
+                          .arg(name, QString::number(port), addresses.join(u',')));
     }
 
     void setPassword(const QString &password)
@@ -179,13 +183,6 @@ public:
     UploadService::Environment environment;
 
 private:
-    static void configureCurl(const QString &line, QFile::OpenModeFlag mode)
-    {
-        QFile settings(QDir::homePath() + QStringLiteral("/.curlrc"));
-        if (!settings.open(QIODevice::WriteOnly | mode) || settings.write(line.toUtf8()) < 0)
-            qFatal("no settings for curl");
-    }
-
     static QCoro::Task<QString> resultOf(QCoro::Task<> task)
     {
         try {

@@ -199,6 +199,7 @@ private Q_SLOTS:
         settings.tlsVersion = tls;
         settings.allowInsecureCertificates = insecure;
         settings.usePassiveMode = passive;
+        const QString url = type == ServerType::ftps ? u"ftps://h:21/b"_s : u"ftp://h:21/b"_s;
         const QStringList expected = first + QStringList{u"-T"_s,
                                                          u"/a \\[1\\].png"_s,
                                                          u"--netrc-file"_s,
@@ -208,10 +209,20 @@ private Q_SLOTS:
                                                          u"--connect-timeout"_s,
                                                          u"30"_s,
                                                          u"-v"_s,
-                                                         u"ftp://h:21/b"_s};
-        QCOMPARE(CurlCommand::arguments(settings, u"/a [1].png"_s, u"/t/.netrc_X"_s,
-                                        u"ftp://h:21/b"_s, {}),
+                                                         url};
+        QCOMPARE(CurlCommand::arguments(settings, u"/a [1].png"_s, u"/t/.netrc_X"_s, url, {}),
                  expected);
+    }
+
+    void whatBeginsInClearTextGoesThroughAProxyUnread()
+    {
+        UploadSettings settings;
+        settings.serverType = ServerType::ftps;
+        const QString url = u"ftp://h:21/b"_s;
+        const QString option = u"--proxytunnel"_s;
+        QCOMPARE(CurlCommand::arguments(settings, u"/a"_s, u"/n"_s, url, {}).count(option), 1);
+        settings.serverType = ServerType::ftp;
+        QCOMPARE(CurlCommand::arguments(settings, u"/a"_s, u"/n"_s, url, {}).count(option), 0);
     }
 
     void shownArgumentsHideTheCredentialsFile()

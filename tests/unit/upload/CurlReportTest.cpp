@@ -186,7 +186,12 @@ private Q_SLOTS:
         row("taken with the right credentials",
             u"< HTTP/1.1 407 Proxy Authentication Required\r\n< \r\n< HTTP/1.1 200 OK\r\n"_s,
             QString());
-        row("399", u"< HTTP/1.1 399 What\r\n"_s, QString());
+        row("redirection", u"< HTTP/1.1 302 Found\r\n"_s, told + u"HTTP/1.1 302 Found"_s);
+        row("nothing but going on", u"< HTTP/1.1 100 Continue\r\n"_s,
+            told + u"HTTP/1.1 100 Continue"_s);
+        row("two blanks", u"< HTTP/1.1  403 No\r\n"_s, told + u"HTTP/1.1  403 No"_s);
+        row("no number", u"< HTTP/1.1 200x\r\n"_s, told + u"HTTP/1.1 200x"_s);
+        row("no reason, taken", u"< HTTP/2 201\r\n"_s, QString());
         row("text of an FTP server", u"< 220 HTTP/1.1 403 Forbidden\r\n"_s, QString());
     }
     void refusalByAnHttpProxyIsAFailure()
@@ -205,6 +210,21 @@ private Q_SLOTS:
         QCOMPARE(words(u"> USER you\r\n"_s, 0), u"USER you"_s);
         QCOMPARE(words(u"< HTTP/1.1 403 No\r\n"_s, 0), u"HTTP/1.1 403 No"_s);
         QCOMPARE(words(u"nothing special"_s, 55), QString());
+    }
+
+    void factsDoNotDependOnTheEncoding()
+    {
+        const auto told = [](const QByteArray &report) {
+            const auto failure =
+                CurlReport(ended(0, "gr\xfc\xdf\n" + report)).failure(u"h"_s, u"mä"_s);
+            return failure ? failure->error.message() : QString();
+        };
+        QCOMPARE(told("> USER m\xc3\xa4\r\n"), QString());
+        QCOMPARE(told("> USER y\xc3\xb6\r\n"), u"curl has logged in as 'yö'"_s);
+        QCOMPARE(told("< HTTP/1.1 403 f\xc3\xbcr\r\n"), u"The proxy answered: HTTP/1.1 403 für"_s);
+        QVERIFY(CurlReport(ended(0, "< 220 gr\xfc\xdf\r\n")).hasServerSpoken());
+        QVERIFY(!CurlReport(ended(35, "< 220 gr\xfc\xdf\r\n")).isServerInClearText());
+        QVERIFY(CurlReport(ended(35, "* gr\xfc\xdf\n")).isServerInClearText());
     }
 
     void serverInClearTextIsToldFromOthers_data()

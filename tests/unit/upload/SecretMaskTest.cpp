@@ -27,6 +27,9 @@ private Q_SLOTS:
         row("proxy",
             u"* Uses proxy env variable all_proxy == 'http://me:p w/'@@h:3128'\n* Trying\n"_s,
             u"* Uses proxy env variable all_proxy == 'http://me:********@h:3128'\n* Trying\n"_s);
+        row("proxy with an odd user",
+            u"* Uses proxy env variable all_proxy == 'socks5h://a b/'dom@u:pw@h:1'\n"_s,
+            u"* Uses proxy env variable all_proxy == 'socks5h://a b/'dom@u:********@h:1'\n"_s);
         row("proxy without a scheme", u"* Unsupported proxy syntax in 'me:p@ss@h:3128'\n"_s,
             u"* Unsupported proxy syntax in 'me:********@h:3128'\n"_s);
         row("proxy without a password",
@@ -58,6 +61,13 @@ private Q_SLOTS:
     {
         QFETCH(QString, text);
         QTEST(SecretMask(u"me"_s, u"s/é cr{t"_s).masked(text), "masked");
+    }
+
+    void passwordWithAnAddressInItIsMaskedWhole()
+    {
+        const SecretMask mask(u"me"_s, u"s3cr3t://u:p@tail"_s);
+        QCOMPARE(mask.masked(u"a s3cr3t://u:p@tail b x://y:z@h"_s),
+                 u"a ******** b x://y:********@h"_s);
     }
 
     void errorsKeepTheirKind()

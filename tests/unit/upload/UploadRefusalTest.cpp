@@ -99,13 +99,54 @@ private Q_SLOTS:
 
     void namesThatLeadElsewhereAreRefused()
     {
-        for (const QString &name : {u""_s, u"."_s, u".."_s}) {
+        for (const QString &name :
+             {u""_s, u"."_s, u".."_s, u"/a"_s, u"a/"_s, u"a/../b"_s, u"./a"_s}) {
             m_name = name;
             for (const ServerType type : kAll) {
                 QCOMPARE(told(type),
                          QString(u"Upload failed: The remote file name '"_s + name
                                  + u"' is no name for a file"_s));
             }
+        }
+    }
+
+    void colonsLeadSftpElsewhere()
+    {
+        m_settings.username = u"127.0.0.1:alice"_s;
+        QCOMPARE(
+            told(ServerType::sftp),
+            u"Upload failed: The username '127.0.0.1:alice' holds a colon, which sftp cannot be "
+            "told"_s);
+        QVERIFY(told(ServerType::ftp).isEmpty());
+        m_settings.username = u"DOM\\me@x"_s;
+        QVERIFY(told(ServerType::sftp).isEmpty());
+        for (const QString &host :
+             {u"h:/evil.desktop"_s, u"h:2222"_s, u"127::1"_s, u"sftp://h"_s}) {
+            m_settings.hostname = host;
+            QCOMPARE(told(ServerType::sftp),
+                     QString(u"Upload failed: The hostname '"_s + host
+                             + u"' holds a colon, which sftp is told between brackets only"_s));
+        }
+        for (const QString &host : {u"h/x"_s, u"u@h"_s, u"[a]b"_s, u"[a]:b]"_s}) {
+            m_settings.hostname = host;
+            QVERIFY2(!told(ServerType::sftp).isEmpty(), qPrintable(host));
+        }
+        m_settings.hostname = u"[::1]"_s;
+        QVERIFY(told(ServerType::sftp).isEmpty());
+    }
+
+    void pathsThatWouldBelongToThePortAreRefusedByCurlOnly()
+    {
+        for (const QString &path : {u"@127.0.0.1:21/x"_s, u"3/x"_s, u":x@h/"_s}) {
+            m_settings.remotePath = path;
+            QCOMPARE(told(ServerType::ftp),
+                     QString(u"Upload failed: The remote path '"_s + path
+                             + u"' must begin with a slash"_s));
+            QVERIFY(told(ServerType::sftp).isEmpty());
+        }
+        for (const QString &path : {u""_s, u"pub"_s, u"/3/@x"_s, u"pub/@x"_s}) {
+            m_settings.remotePath = path;
+            QVERIFY2(told(ServerType::ftp).isEmpty(), qPrintable(path));
         }
     }
 

@@ -185,6 +185,13 @@ private Q_SLOTS:
         QCOMPARE(output.lines(), QStringList());
     }
 
+    void refusalShowsNoPassword()
+    {
+        m_tools->settings.hostname = u"me:sesame@my.host"_s;
+        QCOMPARE(m_tools->upload(ServerType::ftp),
+                 u"Upload failed: The hostname 'me:********@my.host' is no valid host name"_s);
+    }
+
     void passwordOfTheStartServesToTheEnd()
     {
         m_tools->makeKeysFolder();
